@@ -1,0 +1,89 @@
+#include "cli/run.h"
+
+#include "cli/help_text.h"
+#include "cli/invocation.h"
+#include "cli/output.h"
+#include "render/reply.h"
+#include "transport/socket_client.h"
+
+#include <exception>
+#include <new>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace fernlow {
+
+namespace {
+
+constexpr int badArguments = 2;
+constexpr int notReached = 3;
+constexpr std::string_view version = "1";
+
+void writeStandardError(const RunSurroundings& surroundings, std::string_view text) {
+    // There is nobody left to tell when this fails.
+    static_cast<void>(writeLine(surroundings.standardError, text));
+}
+
+/// Writes the text and gives the status, which is never success when the text was lost.
+int finish(const RunSurroundings& surroundings, std::string_view text, int status) {
+    if (writeLine(surroundings.standardOutput, text)) {
+        return status;
+    }
+    writeStandardError(surroundings, "Fernlow's answer could not be written to standard output.");
+    return status == 0 ? 1 : status;
+}
+
+int performRequest(const AgentCLIInvocation& invocation, const AgentRequest& request,
+                   const RunSurroundings& surroundings) {
+    const AgentSocketClient client(surroundings.launch);
+    AgentReply reply = client.exchange(invocation.socketPath, invocation.launchIfNeeded, request);
+    const ReplyOutput output =
+        presentReply(reply.statusCode, std::move(reply.body), invocation.wantsJSON);
+    if (output.toStandardError) {
+        writeStandardError(surroundings, output.text.view());
+        return output.exitStatus;
+    }
+    return finish(surroundings, output.text.view(), output.exitStatus);
+}
+
+int perform(const AgentCLIInvocation& invocation, const RunSurroundings& surroundings) {
+    struct {
+        const AgentCLIInvocation& invocation;
+        const RunSurroundings& surroundings;
+
+        int operator()(const AgentCLIAction::Help& /*help*/) const {
+            return finish(surroundings, usageText(), 0);
+        }
+        int operator()(const AgentCLIAction::Version& /*version*/) const {
+            return finish(surroundings, version, 0);
+        }
+        int operator()(const AgentCLIAction::Get& get) const {
+            return performRequest(invocation, {"GET", get.path, {}}, surroundings);
+        }
+        int operator()(const AgentCLIAction::Post& post) const {
+            return performRequest(invocation, {"POST", post.path, post.body}, surroundings);
+        }
+    } const performer{invocation, surroundings};
+    return std::visit(performer, invocation.action.kind);
+}
+
+} // namespace
+
+int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirectory& currentDirectory,
+                bool standardOutputIsTerminal, const RunSurroundings& surroundings) {
+    int failureStatus = badArguments;
+    try {
+        const AgentCLIInvocation invocation =
+            parseInvocation(arguments, currentDirectory, standardOutputIsTerminal);
+        failureStatus = notReached;
+        return perform(invocation, surroundings);
+    } catch (const std::bad_alloc&) {
+        writeStandardError(surroundings, "There is not enough memory to do this.");
+    } catch (const std::exception& error) {
+        writeStandardError(surroundings, error.what());
+    }
+    return failureStatus;
+}
+
+} // namespace fernlow

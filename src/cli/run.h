@@ -1,0 +1,30 @@
+#pragma once
+
+#include "cli/words.h"
+#include "transport/launcher.h"
+
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+namespace fernlow {
+
+/// What a run uses of the world around it; the defaults are the real ones.
+struct RunSurroundings {
+    int standardOutput = STDOUT_FILENO;
+    int standardError = STDERR_FILENO;
+    LaunchSettings launch{};
+};
+
+/// One whole run: understands the arguments (those after the program's name), has the request
+/// carried out, writes one text to standard output or standard error, and gives the exit status.
+/// Never throws.
+///
+/// 0 finished; 1 finished, but something failed (or the text could not be written); 2 bad
+/// arguments; 3 the application could not be reached or answered badly; 4 the wait expired;
+/// 5 refused.
+int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirectory& currentDirectory,
+                bool standardOutputIsTerminal, const RunSurroundings& surroundings = {});
+
+} // namespace fernlow

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "cli/invocation.h"
+#include "commands/wire_words.h"
+#include "json/writer.h"
+
+#include <algorithm>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <variant>
+#include <vector>
+
+/// Names a record's fields in wire order, once: the names and the members come from one list. It
+/// stands in the record, behind its members.
+#define FERNLOW_WIRE_FIELDS(...)                                                                   \
+    static constexpr std::string_view wireFieldNames = #__VA_ARGS__;                               \
+    auto wireFields() const {                                                                      \
+        return std::tie(__VA_ARGS__);                                                              \
+    }
+
+namespace fernlow {
+
+/// A request record: a struct with FERNLOW_WIRE_FIELDS.
+template <class Type>
+concept WireRecord = requires(const Type& record) {
+    { Type::wireFieldNames } -> std::convertible_to<std::string_view>;
+    record.wireFields();
+};
+
+/// Writes the members of one JSON object: an overload for each type that travels.
+class RecordEncoder {
+public:
+    template <WireRecord Record>
+    std::string encode(const Record& record) {
+        std::string_view names = Record::wireFieldNames;
+        const auto nextName = [&names] {
+            const std::string_view name = names.substr(0, names.find(','));
+            names.remove_prefix(
+                std::min(name.size() + std::string_view(", ").size(), names.size()));
+            return name;
+        };
+        out_ = "{";
+        std::apply([&](const auto&... fields) { (member(nextName(), fields), ...); },
+                   record.wireFields());
+        return std::move(out_ += '}');
+    }
+
+private:
+    template <class Value>
+    void member(std::string_view name, const Value& member) {
+        if (out_.back() != '{') {
+            out_ += ',';
+        }
+        json::appendText(out_, name);
+        out_ += ':';
+        value(name, member);
+    }
+    template <class Value>
+    void member(std::string_view name, const std::optional<Value>& optional) {
+        if (optional) {
+            member(name, *optional);
+        }
+    }
+
+    // The name is for the sentence that says why a value cannot be written.
+    void value(std::string_view /*name*/, bool value) { json::appendBoolean(out_, value); }
+    void value(std::string_view /*name*/, std::int64_t value) { json::appendInteger(out_, value); }
+    void value(std::string_view /*name*/, std::uint64_t value) {
+        json::appendUnsigned(out_, value);
+    }
+    void value(std::string_view name, double value) { json::appendDecimal(out_, value, name); }
+    void value(std::string_view /*name*/, std::string_view value) { json::appendText(out_, value); }
+    void value(std::string_view /*name*/, std::monostate /*absent*/) { out_ += "null"; }
+
+    template <Worded Enumeration>
+    void value(std::string_view /*name*/, Enumeration value) {
+        json::appendText(out_, wireWord(value));
+    }
+    template <class... Cases>
+    void value(std::string_view name, const std::variant<Cases...>& cases) {
+        std::visit([&](const auto& payload) { value(name, payload); }, cases);
+    }
+    template <class Element>
+    void value(std::string_view name, const std::vector<Element>& elements) {
+        out_ += '[';
+        for (const Element& element : elements) {
+            if (&element != &elements.front()) {
+                out_ += ',';
+            }
+            value(name, element);
+        }
+        out_ += ']';
+    }
+    template <class Value>
+    void value(std::string_view /*name*/, const std::map<std::string, Value>& members) {
+        out_ += '{';
+        for (const auto& [name, value] : members) {
+            member(name, value);
+        }
+        out_ += '}';
+    }
+
+    std::string out_;
+};
+
+/// The record as one compact JSON object in UTF-8: its fields in wire order, absent ones left out.
+/// Throws json::EncodingError when a text is not UTF-8 or a decimal is not finite.
+template <WireRecord Record>
+std::string encode(const Record& record) {
+    return RecordEncoder().encode(record);
+}
+
+/// The action that posts a record.
+template <WireRecord Record>
+AgentCLIAction post(std::string_view path, const Record& record) {
+    return {AgentCLIAction::Post{std::string(path), encode(record)}};
+}
+
+} // namespace fernlow

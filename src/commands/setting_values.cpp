@@ -1,0 +1,89 @@
+#include "commands/setting_values.h"
+
+#include "cli/invocation.h"
+#include "json/document.h"
+#include "json/number.h"
+
+#include <string_view>
+
+namespace fernlow {
+
+namespace {
+
+/// Nothing when the JSON value is of a form that no setting has.
+std::optional<AgentSettingValue> decodeSettingValue(const json::Value& value) {
+    if (value.isNull()) {
+        return std::monostate();
+    }
+    if (const auto texts = value.texts()) {
+        return std::vector<std::string>(texts->begin(), texts->end());
+    }
+    if (const auto boolean = value.strictBoolean()) {
+        return *boolean;
+    }
+    if (const auto integer = value.integer()) {
+        return *integer;
+    }
+    if (const auto literal = value.numberLiteral()) {
+        return json::nearestDouble(*literal);
+    }
+    if (const auto text = value.text()) {
+        return std::string(*text);
+    }
+    return std::nullopt;
+}
+
+std::optional<SettingValues> decodeSettingValues(std::string_view text) {
+    const auto document = json::Document::parse(text);
+    const auto object = document ? document->root().object() : std::nullopt;
+    if (!object) {
+        return std::nullopt;
+    }
+    SettingValues values;
+    for (const auto& [key, value] : object->members()) {
+        const auto decoded = decodeSettingValue(value);
+        if (!decoded) {
+            return std::nullopt;
+        }
+        values.emplace(key, *decoded);
+    }
+    return values;
+}
+
+} // namespace
+
+SettingLiterals parseLiteralWords(const std::vector<std::string>& words) {
+    SettingLiterals literals;
+    for (const std::string& word : words) {
+        const std::size_t equals = word.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            throw AgentCLIUsageError::unexpectedArgument(word);
+        }
+        literals.insert_or_assign(word.substr(0, equals), word.substr(equals + 1));
+    }
+    return literals;
+}
+
+SettingValues decodeValuesOption(const std::optional<std::string>& text) {
+    if (!text) {
+        return {};
+    }
+    auto values = decodeSettingValues(*text);
+    if (!values) {
+        throw AgentCLIUsageError::notANumber("--values", *text);
+    }
+    return *std::move(values);
+}
+
+SettingChanges takeChanges(WordList& words, const std::optional<std::string>& values,
+                           const char* command) {
+    SettingChanges changes;
+    changes.literals = parseLiteralWords(words.takeRemainingWords());
+    changes.values = decodeValuesOption(values);
+    if (changes.literals.empty() && changes.values.empty()) {
+        throw AgentCLIUsageError::missingValue(command);
+    }
+    return changes;
+}
+
+} // namespace fernlow

@@ -1,0 +1,27 @@
+#include "commands/subcommand.h"
+
+#include <algorithm>
+
+namespace fernlow {
+
+namespace {
+
+bool looksLikePath(const std::string& word) {
+    return word.starts_with('~') || word.starts_with('.') || word.find('/') != std::string::npos;
+}
+
+} // namespace
+
+std::optional<std::string> takeSubcommand(WordList& words) {
+    const auto& left = words.left();
+    if (left.empty()) {
+        return std::nullopt;
+    }
+    const bool onlyPaths = looksLikePath(left.front()) &&
+                           std::all_of(left.begin(), left.end(), [](const std::string& word) {
+                               return word.starts_with('-') || looksLikePath(word);
+                           });
+    return onlyPaths ? std::nullopt : words.takeFirstWord();
+}
+
+} // namespace fernlow

@@ -1,0 +1,51 @@
+#include "json/byte_buffer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace fernlow {
+
+namespace {
+
+constexpr std::size_t firstCapacity = 64 * std::size_t{1024};
+
+} // namespace
+
+ByteBuffer::ByteBuffer(ByteBuffer&& other) noexcept
+    : bytes_(std::move(other.bytes_)), capacity_(std::exchange(other.capacity_, 0)),
+      begin_(std::exchange(other.begin_, 0)), end_(std::exchange(other.end_, 0)) {}
+
+ByteBuffer& ByteBuffer::operator=(ByteBuffer&& other) noexcept {
+    bytes_ = std::move(other.bytes_);
+    capacity_ = std::exchange(other.capacity_, 0);
+    begin_ = std::exchange(other.begin_, 0);
+    end_ = std::exchange(other.end_, 0);
+    return *this;
+}
+
+void ByteBuffer::append(std::string_view text) {
+    if (text.empty()) {
+        return;
+    }
+    std::memcpy(room(text.size()), text.data(), text.size());
+    commit(text.size());
+}
+
+char* ByteBuffer::room(std::size_t count) {
+    if (capacity_ - end_ < count) {
+        const std::size_t capacity = std::max({firstCapacity, 2 * capacity_, end_ + count});
+        auto* grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
+        if (grown == nullptr) {
+            throw std::bad_alloc();
+        }
+        // realloc has taken care of the old block.
+        static_cast<void>(bytes_.release());
+        bytes_.reset(grown);
+        capacity_ = capacity;
+    }
+    return bytes_.get() + end_;
+}
+
+} // namespace fernlow

@@ -1,0 +1,86 @@
+#include "json/number.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <iterator>
+#include <limits>
+#include <system_error>
+
+namespace fernlow::json {
+
+namespace {
+
+constexpr std::int64_t longestWhole = std::numeric_limits<double>::max_exponent10 + 1;
+
+/// Beyond it no literal that fits in memory is a whole number within range, save zero.
+constexpr std::int64_t furthestExponent = std::int64_t{1} << 32;
+
+} // namespace
+
+std::optional<std::int64_t> readInteger(std::string_view text) {
+    // from_chars knows "-" but not "+".
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) {
+            return std::nullopt;
+        }
+    }
+    std::int64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc{} || result.ptr != end) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+std::optional<std::string> wholeDigits(std::string_view literal) {
+    const bool negative = literal.starts_with('-');
+    literal.remove_prefix(negative ? 1 : 0);
+    const std::string_view mantissa = literal.substr(0, literal.find_first_of("eE"));
+    literal.remove_prefix(std::min(mantissa.size() + 1, literal.size()));
+    const std::string_view whole = mantissa.substr(0, mantissa.find('.'));
+    const std::string_view fraction = mantissa.substr(std::min(whole.size() + 1, mantissa.size()));
+
+    std::string digits(whole);
+    digits += fraction;
+    digits.erase(0, digits.find_first_not_of('0'));
+    if (digits.empty()) {
+        return "0";
+    }
+    const auto exponent = literal.empty() ? 0 : readInteger(literal);
+    if (!exponent || std::abs(*exponent) > furthestExponent) {
+        return std::nullopt;
+    }
+    const std::size_t significant = digits.find_last_not_of('0') + 1;
+    const std::int64_t zeros = *exponent - std::ssize(fraction) + std::ssize(digits) -
+                               static_cast<std::int64_t>(significant);
+    if (zeros < 0 || static_cast<std::int64_t>(significant) + zeros > longestWhole) {
+        return std::nullopt;
+    }
+    digits.resize(significant);
+    digits.append(static_cast<std::size_t>(zeros), '0');
+    return negative ? "-" + digits : digits;
+}
+
+double nearestDouble(std::string_view literal) {
+    // strtod rather than from_chars: it gives infinity and zero beyond the range, and libc++ has no
+    // from_chars for doubles. No locale is ever set in this process, so the point is a point.
+    return std::strtod(std::string(literal).c_str(), nullptr);
+}
+
+std::string shortestDecimal(double value) {
+    std::array<char, 512> text{};
+    const bool tinyFraction = value != 0 && std::abs(value) < 1e-6;
+    const auto end = tinyFraction ? std::to_chars(text.data(), text.data() + text.size(), value)
+                                  : std::to_chars(text.data(), text.data() + text.size(), value,
+                                                  std::chars_format::fixed);
+    const std::string shortest(text.data(), end.ptr);
+    return shortest == "-0" ? "0" : shortest;
+}
+
+} // namespace fernlow::json

@@ -1,0 +1,104 @@
+#include "json/utf8.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace fernlow::utf8 {
+
+namespace {
+
+constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
+
+struct Sequence {
+    std::size_t length;
+    bool wellFormed;
+};
+
+/// What a lead byte promises. The second byte has a range of its own, narrower than 80 to BF where
+/// the full range would admit overlong forms, surrogates or values above U+10FFFF.
+struct Lead {
+    std::size_t length;
+    std::uint8_t secondFrom;
+    std::uint8_t secondTo;
+};
+
+Lead leadOf(std::uint8_t byte) {
+    if (byte >= 0xC2 && byte <= 0xDF) {
+        return {2, 0x80, 0xBF};
+    }
+    if (byte >= 0xE0 && byte <= 0xEF) {
+        return {3, static_cast<std::uint8_t>(byte == 0xE0 ? 0xA0 : 0x80),
+                static_cast<std::uint8_t>(byte == 0xED ? 0x9F : 0xBF)};
+    }
+    if (byte >= 0xF0 && byte <= 0xF4) {
+        return {4, static_cast<std::uint8_t>(byte == 0xF0 ? 0x90 : 0x80),
+                static_cast<std::uint8_t>(byte == 0xF4 ? 0x8F : 0xBF)};
+    }
+    return {1, 0, 0};
+}
+
+/// The first sequence of a text that is not empty; ill-formed, its length is that of the maximal
+/// subpart.
+Sequence firstSequence(std::string_view text) {
+    const auto first = static_cast<std::uint8_t>(text[0]);
+    if (first < 0x80) {
+        return {1, true};
+    }
+    const Lead lead = leadOf(first);
+    std::uint8_t from = lead.secondFrom;
+    std::uint8_t to = lead.secondTo;
+    for (std::size_t at = 1; at < lead.length; ++at) {
+        const auto byte = at < text.size() ? static_cast<std::uint8_t>(text[at]) : std::uint8_t{0};
+        if (byte < from || byte > to) {
+            return {at, false};
+        }
+        from = 0x80;
+        to = 0xBF;
+    }
+    return {lead.length, lead.length > 1};
+}
+
+/// The length of the well-formed part that the text begins with.
+std::size_t wellFormedLength(std::string_view text) {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        // Nearly all text is ASCII: step over it eight bytes at a time.
+        std::uint64_t word = 0;
+        if (text.size() - at >= sizeof word) {
+            std::memcpy(&word, text.data() + at, sizeof word);
+            if ((word & 0x8080808080808080U) == 0) {
+                at += sizeof word;
+                continue;
+            }
+        }
+        const Sequence sequence = firstSequence(text.substr(at));
+        if (!sequence.wellFormed) {
+            break;
+        }
+        at += sequence.length;
+    }
+    return at;
+}
+
+} // namespace
+
+bool isWellFormed(std::string_view text) {
+    return wellFormedLength(text) == text.size();
+}
+
+ByteBuffer replaceIllFormed(std::string_view text) {
+    ByteBuffer repaired;
+    while (!text.empty()) {
+        const std::size_t good = wellFormedLength(text);
+        repaired.append(text.substr(0, good));
+        text.remove_prefix(good);
+        if (!text.empty()) {
+            repaired.append(replacementCharacter);
+            text.remove_prefix(firstSequence(text).length);
+        }
+    }
+    return repaired;
+}
+
+} // namespace fernlow::utf8

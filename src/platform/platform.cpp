@@ -1,0 +1,141 @@
+#include "platform/platform.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+
+#ifdef __APPLE__
+#include <sysdir.h>
+
+#include <array>
+#include <climits>
+#endif
+
+// POSIX leaves declaring it to the program.
+extern char**
+    environ; // NOLINT(readability-redundant-declaration): glibc declares it, macOS doesn't
+
+namespace fernlow::platform {
+
+namespace {
+
+std::optional<std::string> homeFolderIn(const passwd* entry) {
+    if (entry == nullptr || entry->pw_dir == nullptr || *entry->pw_dir == '\0') {
+        return std::nullopt;
+    }
+    return entry->pw_dir;
+}
+
+/// What a started program gets instead of our descriptors.
+class ClosedOffStreams {
+public:
+    ClosedOffStreams() {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawnattr_init(&attributes_);
+        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+#ifdef __APPLE__
+        // macOS closes every descriptor that no file action names.
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_CLOEXEC_DEFAULT);
+#else
+        posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+#endif
+    }
+    ClosedOffStreams(const ClosedOffStreams&) = delete;
+    ClosedOffStreams& operator=(const ClosedOffStreams&) = delete;
+    ClosedOffStreams(ClosedOffStreams&&) = delete;
+    ClosedOffStreams& operator=(ClosedOffStreams&&) = delete;
+    ~ClosedOffStreams() {
+        posix_spawnattr_destroy(&attributes_);
+        posix_spawn_file_actions_destroy(&actions_);
+    }
+
+    [[nodiscard]] const posix_spawn_file_actions_t* actions() const {
+        return &actions_;
+    }
+    [[nodiscard]] const posix_spawnattr_t* attributes() const {
+        return &attributes_;
+    }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+};
+
+} // namespace
+
+std::optional<std::string> homeFolder() {
+    return homeFolderIn(::getpwuid(::getuid()));
+}
+
+std::optional<std::string> homeFolderOf(const std::string& user) {
+    return homeFolderIn(::getpwnam(user.c_str()));
+}
+
+std::optional<std::string> applicationSupportFolder() {
+#ifdef __APPLE__
+    // The system names the folder below "~", which is ours to expand.
+    std::array<char, PATH_MAX> path{};
+    const auto state = sysdir_start_search_path_enumeration(SYSDIR_DIRECTORY_APPLICATION_SUPPORT,
+                                                            SYSDIR_DOMAIN_MASK_USER);
+    if (sysdir_get_next_search_path_enumeration(state, path.data()) == 0) {
+        return std::nullopt;
+    }
+    const std::string folder(path.data());
+    if (folder.empty() || folder.front() != '~') {
+        return folder;
+    }
+    const auto home = homeFolder();
+    return home ? std::optional(*home + folder.substr(1)) : std::nullopt;
+#else
+    return std::nullopt;
+#endif
+}
+
+void runProgram(const std::string& path, const std::vector<std::string>& arguments) {
+    std::vector<std::string> words{path};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+
+    const ClosedOffStreams streams;
+    pid_t child = 0;
+    if (::posix_spawn(&child, path.c_str(), streams.actions(), streams.attributes(), argv.data(),
+                      environ) != 0) {
+        return;
+    }
+    // Where SIGCHLD is ignored there is nothing to collect: waiting ends with ECHILD once the
+    // program has ended.
+    while (::waitpid(child, nullptr, 0) == -1 && errno == EINTR) {
+    }
+}
+
+void prepareSocket(int socket) {
+    ::fcntl(socket, F_SETFD, FD_CLOEXEC);
+#ifdef SO_NOSIGPIPE
+    // macOS has this as a property of the socket, Linux as a flag of each send.
+    const int on = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+#endif
+}
+
+ssize_t sendWithoutSignal(int socket, const char* bytes, std::size_t count) {
+#ifdef SO_NOSIGPIPE
+    return ::send(socket, bytes, count, 0);
+#else
+    return ::send(socket, bytes, count, MSG_NOSIGNAL);
+#endif
+}
+
+} // namespace fernlow::platform

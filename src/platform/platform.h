@@ -1,0 +1,35 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The few questions asked of the operating system that macOS and Linux answer differently.
+namespace fernlow::platform {
+
+/// The home folder of the user who runs this process, from the user database and never from the
+/// environment. Absent when the database doesn't know the user.
+std::optional<std::string> homeFolder();
+
+/// The home folder of the user with that name. Absent when there is no such user.
+std::optional<std::string> homeFolderOf(const std::string& user);
+
+/// The folder in which applications keep the user's support files, where the system has a notion
+/// of one; an absolute path.
+std::optional<std::string> applicationSupportFolder();
+
+/// Starts a program and waits until it has ended; how it ended is not told, and neither is that it
+/// could not be started. Its standard streams are the null device and it inherits no other
+/// descriptor, so it never holds a pipe of our caller open.
+void runProgram(const std::string& path, const std::vector<std::string>& arguments);
+
+/// Prepares a new socket so that sendWithoutSignal() holds and no started program inherits it.
+void prepareSocket(int socket);
+
+/// write() for a socket, but a peer that has gone is EPIPE alone and never the SIGPIPE signal.
+ssize_t sendWithoutSignal(int socket, const char* bytes, std::size_t count);
+
+} // namespace fernlow::platform

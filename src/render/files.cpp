@@ -1,0 +1,71 @@
+#include "render/tags.h"
+#include "render/views.h"
+
+namespace fernlow {
+
+void renderFileRow(const json::Object& file, Lines& lines) {
+    const auto relativePath = file.optionalText("relativePath");
+    lines.add(relativePath ? *relativePath : file.text("path"));
+
+    Tags tags(lines);
+    if (const auto action = file.text("outputAction"); action != "compile") {
+        tags.add(upperCase(action));
+    }
+    if (file.boolean("outputPathIsChosen")) {
+        tags.add("path chosen");
+    }
+    if (file.boolean("outputActionIsChosen")) {
+        tags.add("action chosen");
+    }
+    if (file.boolean("isShadowItem")) {
+        tags.add("outside the project");
+    }
+    if (file.optionalBoolean("exists") == false) {
+        tags.add("MISSING");
+    }
+    tags.close();
+
+    if (const auto outputPath = file.optionalText("outputPath")) {
+        lines.add("    → ", *outputPath);
+    }
+}
+
+bool renderFileList(const json::Object& result, Lines& lines) {
+    const auto files = result.optionalObjects("files");
+    if (!files) {
+        return false;
+    }
+    if (files->empty()) {
+        lines.add("Nothing matched. If you expected a file here, refresh the project — this is "
+                  "Fernlow's index, not the disk.");
+        return true;
+    }
+    for (const json::Object& file : *files) {
+        renderFileRow(file, lines);
+    }
+    const std::int64_t count = std::ssize(*files);
+    lines.add();
+    lines.add(count, " of ", result.optionalInteger("total").value_or(count), ".");
+    if (result.boolean("truncated")) {
+        // An offset near the top of its range must not overflow; unsigned it has room to spare.
+        const auto next = static_cast<std::uint64_t>(result.integer("offset")) +
+                          static_cast<std::uint64_t>(count);
+        lines.add("More to come: ask again with --offset ", next, ".");
+    }
+    return true;
+}
+
+bool renderFile(const json::Object& result, Lines& lines) {
+    const auto file = result.object("file");
+    if (!file) {
+        return false;
+    }
+    renderFileRow(*file, lines);
+    lines.add();
+    if (const auto values = result.object("values")) {
+        renderValues(*values, lines);
+    }
+    return true;
+}
+
+} // namespace fernlow

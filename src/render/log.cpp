@@ -1,0 +1,19 @@
+#include "render/views.h"
+
+namespace fernlow {
+
+void renderLogEntry(const json::Object& entry, Lines& lines) {
+    lines.add(entry.integer("cursor"), "  ", upperCase(entry.text("severity")), "  ",
+              entry.text("title"));
+}
+
+bool renderLog(const json::Object& result, Lines& lines) {
+    const auto entries = result.optionalObjects("entries");
+    if (!entries) {
+        return false;
+    }
+    renderList(*entries, renderLogEntry, "Nothing logged.", lines);
+    return true;
+}
+
+} // namespace fernlow

@@ -1,0 +1,108 @@
+#include "render/reply.h"
+
+#include "json/utf8.h"
+#include "render/views.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace fernlow {
+
+namespace {
+
+constexpr int somethingFailed = 1;
+constexpr int waitExpired = 4;
+constexpr int refused = 5;
+
+/// As JSON nothing is read below the members of "result", so nothing below them is kept.
+constexpr std::size_t depthOfResultMembers = 2;
+
+using View = bool (*)(const json::Object& result, Lines& lines);
+
+/// In the order in which they are tried.
+constexpr auto views = std::to_array<View>({
+    renderWorkReport,
+    renderStatus,
+    renderLog,
+    renderSchema,
+    renderFileList,
+    renderFile,
+    renderProjectSettings,
+    renderAppliedSettings,
+});
+
+/// Parses the body after making it valid UTF-8, if it isn't.
+std::optional<json::Document> parseBody(ByteBuffer& body, std::size_t depth) {
+    auto document = json::Document::parse(body.view(), depth);
+    // Whatever parses is valid, so only a body that doesn't is worth a second look.
+    if (!document && !utf8::isWellFormed(body.view())) {
+        body = utf8::replaceIllFormed(body.view());
+        document = json::Document::parse(body.view(), depth);
+    }
+    return document;
+}
+
+ReplyOutput refusal(std::string_view sentence) {
+    return {ByteBuffer(sentence), true, refused};
+}
+
+std::string_view refusalMessage(const json::Object& reply) {
+    const auto error = reply.object("error");
+    const auto message = error ? error->optionalText("message") : std::nullopt;
+    return message.value_or("Fernlow refused the request.");
+}
+
+/// Settings schemas and projects are both lists of objects: the first row tells which.
+void renderRows(const std::vector<json::Object>& rows, Lines& lines) {
+    const bool areSettings = !rows.empty() && rows.front().find("valueType");
+    renderList(rows, areSettings ? renderSettingRow : renderProjectRow, "No projects.", lines);
+}
+
+} // namespace
+
+ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool wantsJSON) {
+    const auto document =
+        parseBody(body, wantsJSON ? depthOfResultMembers : json::Document::everything);
+    const auto reply = document ? document->root().object() : std::nullopt;
+    if (!reply) {
+        return refusal("Fernlow's reply could not be read.");
+    }
+    const bool ok = reply->boolean("ok");
+    const auto result = reply->object("result");
+    const int exitStatus = replyExitStatus(ok, result);
+    if (wantsJSON) {
+        return {std::move(body), !ok, exitStatus};
+    }
+    if (!ok) {
+        return refusal(refusalMessage(*reply));
+    }
+    return {renderResult(result, *reply), false, exitStatus};
+}
+
+int replyExitStatus(bool ok, const std::optional<json::Object>& result) {
+    if (!ok) {
+        return refused;
+    }
+    if (!result) {
+        return 0;
+    }
+    if (result->boolean("timedOut")) {
+        return waitExpired;
+    }
+    return result->integer("errorCount") >= 1 ? somethingFailed : 0;
+}
+
+ByteBuffer renderResult(const std::optional<json::Object>& result, const json::Object& reply) {
+    Lines lines;
+    if (const auto rows = reply.optionalObjects("result")) {
+        renderRows(*rows, lines);
+    } else if (!result || std::none_of(views.begin(), views.end(),
+                                       [&](View view) { return view(*result, lines); })) {
+        lines.add("Done.");
+    }
+    return std::move(lines).join();
+}
+
+} // namespace fernlow

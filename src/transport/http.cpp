@@ -1,0 +1,64 @@
+#include "transport/http.h"
+
+#include "json/document.h"
+#include "json/number.h"
+#include "transport/socket_client.h"
+
+namespace fernlow {
+
+namespace {
+
+constexpr std::string_view lineBreak = "\r\n";
+constexpr std::string_view blankLine = "\r\n\r\n";
+constexpr double usualReplyTimeout = 600;
+
+/// Takes the next piece that isn't empty off the front of the text; empty at the end.
+std::string_view takePiece(std::string_view& text, std::string_view separator) {
+    while (text.starts_with(separator)) {
+        text.remove_prefix(separator.size());
+    }
+    const std::string_view piece = text.substr(0, text.find(separator));
+    text.remove_prefix(piece.size());
+    return piece;
+}
+
+} // namespace
+
+std::string requestBytes(const AgentRequest& request) {
+    std::string bytes;
+    bytes.append(request.method).append(" ").append(request.path).append(" HTTP/1.1\r\n");
+    bytes += "Host: localhost\r\n"
+             "Content-Type: application/json; charset=utf-8\r\n"
+             "Content-Length: ";
+    bytes += std::to_string(request.body.size());
+    bytes += "\r\nConnection: close\r\n\r\n";
+    bytes += request.body;
+    return bytes;
+}
+
+AgentReply parseReply(ByteBuffer bytes) {
+    const std::string_view all = bytes.view();
+    const std::size_t headEnd = all.find(blankLine);
+    if (headEnd == std::string_view::npos) {
+        throw AgentSocketClientError::malformedResponse();
+    }
+    std::string_view head = all.substr(0, headEnd);
+    std::string_view statusLine = takePiece(head, lineBreak);
+    takePiece(statusLine, " ");
+    const auto statusCode = json::readInteger(takePiece(statusLine, " "));
+    if (!statusCode) {
+        throw AgentSocketClientError::malformedResponse();
+    }
+    bytes.removePrefix(headEnd + blankLine.size());
+    return {*statusCode, std::move(bytes)};
+}
+
+double replyTimeoutSeconds(std::string_view body) {
+    const auto document = json::Document::parse(body, 1);
+    const auto object = document ? document->root().object() : std::nullopt;
+    const auto timeout = object ? object->find("timeoutSeconds") : std::nullopt;
+    const auto literal = timeout ? timeout->numberLiteral() : std::nullopt;
+    return literal ? json::nearestDouble(*literal) : usualReplyTimeout;
+}
+
+} // namespace fernlow

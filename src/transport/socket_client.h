@@ -1,0 +1,81 @@
+#pragma once
+
+#include "transport/http.h"
+#include "transport/launcher.h"
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace fernlow {
+
+/// The application could not be reached, or answered badly. Two are equal when their cases and
+/// payloads are.
+class AgentSocketClientError : public std::exception {
+public:
+    static AgentSocketClientError notRunning(const std::string& path);
+    /// `limit` is the longest path that fits, in bytes.
+    static AgentSocketClientError pathTooLong(const std::string& path, int limit);
+    static AgentSocketClientError writeFailed();
+    static AgentSocketClientError readFailed();
+    static AgentSocketClientError malformedResponse();
+
+    [[nodiscard]] bool isNotRunning() const { return case_ == Case::notRunning; }
+
+    /// The sentence for the user.
+    [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
+
+    friend bool operator==(const AgentSocketClientError& one, const AgentSocketClientError& other) {
+        return one.case_ == other.case_ && one.path_ == other.path_ &&
+               one.message_ == other.message_;
+    }
+
+private:
+    enum class Case { notRunning, pathTooLong, writeFailed, readFailed, malformedResponse };
+
+    AgentSocketClientError(Case kind, std::string path, std::string message)
+        : case_(kind), path_(std::move(path)), message_(std::move(message)) {}
+
+    Case case_;
+    std::string path_;
+    std::string message_;
+};
+
+/// An open socket, closed when it goes.
+class SocketDescriptor {
+public:
+    explicit SocketDescriptor(int descriptor) : descriptor_(descriptor) {}
+    SocketDescriptor(SocketDescriptor&& other) noexcept
+        : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    SocketDescriptor& operator=(SocketDescriptor&&) = delete;
+    SocketDescriptor(const SocketDescriptor&) = delete;
+    SocketDescriptor& operator=(const SocketDescriptor&) = delete;
+    ~SocketDescriptor();
+
+    [[nodiscard]] int get() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+/// Carries one request to the application and brings one reply back, over its Unix-domain socket.
+/// Everything blocks, each read and write no longer than the reply timeout and 30 seconds.
+class AgentSocketClient {
+public:
+    explicit AgentSocketClient(LaunchSettings launch) : launch_(std::move(launch)) {}
+
+    /// Sends the request and reads until the application closes the connection. When nobody
+    /// listens and `launchIfNeeded`, starts the application and tries once more. Throws
+    /// AgentSocketClientError. The path is UTF-8 and used as it is.
+    [[nodiscard]] AgentReply exchange(const std::string& socketPath, bool launchIfNeeded,
+                                      const AgentRequest& request) const;
+
+    /// A connected socket whose reads and writes give up after the timeout and 30 seconds, but not
+    /// before 5. Throws AgentSocketClientError `pathTooLong` or `notRunning`.
+    static SocketDescriptor connect(const std::string& socketPath, double replyTimeoutSeconds);
+
+private:
+    LaunchSettings launch_;
+};
+
+} // namespace fernlow
