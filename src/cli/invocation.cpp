@@ -88,9 +88,9 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
                                    bool standardOutputIsTerminal) {
     AgentCLIInvocation invocation;
     invocation.wantsJSON = !standardOutputIsTerminal;
-    invocation.socketPath = defaultSocketPath();
 
     std::vector<std::string> words;
+    std::optional<std::string> socketPath;
     for (auto word = arguments.begin(); word != arguments.end(); ++word) {
         if (*word == "--json") {
             invocation.wantsJSON = true;
@@ -100,11 +100,13 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
             if (++word == arguments.end()) {
                 throw AgentCLIUsageError::missingValue("--socket");
             }
-            invocation.socketPath = *word;
+            socketPath = *word;
         } else {
             words.push_back(*word);
         }
     }
+    // Asking the user database costs more than all the rest, so only where the answer is used.
+    invocation.socketPath = socketPath ? *socketPath : defaultSocketPath();
     invocation.action = parseCommand(std::move(words), currentDirectory);
     return invocation;
 }
@@ -127,10 +129,9 @@ AgentCLIAction parseCommand(std::vector<std::string> words,
 }
 
 std::vector<std::string_view> commandWords() {
-    std::vector<std::string_view> words;
-    for (const Command& command : commands) {
-        words.push_back(command.word);
-    }
+    std::vector<std::string_view> words(commands.size());
+    std::transform(commands.begin(), commands.end(), words.begin(),
+                   [](const Command& command) { return command.word; });
     return words;
 }
 

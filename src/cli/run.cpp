@@ -25,6 +25,12 @@ void writeStandardError(const RunSurroundings& surroundings, std::string_view te
     static_cast<void>(writeLine(surroundings.standardError, text));
 }
 
+void report(const RunSurroundings& surroundings, const std::exception& error) {
+    const bool outOfMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    writeStandardError(surroundings,
+                       outOfMemory ? "There is not enough memory for this." : error.what());
+}
+
 /// Writes the text and gives the status, which is never success when the text was lost.
 int finish(const RunSurroundings& surroundings, std::string_view text, int status) {
     if (writeLine(surroundings.standardOutput, text)) {
@@ -72,18 +78,19 @@ int perform(const AgentCLIInvocation& invocation, const RunSurroundings& surroun
 
 int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirectory& currentDirectory,
                 bool standardOutputIsTerminal, const RunSurroundings& surroundings) {
-    int failureStatus = badArguments;
+    AgentCLIInvocation invocation;
     try {
-        const AgentCLIInvocation invocation =
-            parseInvocation(arguments, currentDirectory, standardOutputIsTerminal);
-        failureStatus = notReached;
-        return perform(invocation, surroundings);
-    } catch (const std::bad_alloc&) {
-        writeStandardError(surroundings, "There is not enough memory to do this.");
+        invocation = parseInvocation(arguments, currentDirectory, standardOutputIsTerminal);
     } catch (const std::exception& error) {
-        writeStandardError(surroundings, error.what());
+        report(surroundings, error);
+        return badArguments;
     }
-    return failureStatus;
+    try {
+        return perform(invocation, surroundings);
+    } catch (const std::exception& error) {
+        report(surroundings, error);
+        return notReached;
+    }
 }
 
 } // namespace fernlow

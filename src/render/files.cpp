@@ -47,10 +47,12 @@ bool renderFileList(const json::Object& result, Lines& lines) {
     lines.add();
     lines.add(count, " of ", result.optionalInteger("total").value_or(count), ".");
     if (result.boolean("truncated")) {
-        // An offset near the top of its range must not overflow; unsigned it has room to spare.
-        const auto next = static_cast<std::uint64_t>(result.integer("offset")) +
-                          static_cast<std::uint64_t>(count);
-        lines.add("More to come: ask again with --offset ", next, ".");
+        const std::int64_t offset = result.integer("offset");
+        // Added without a sign: an offset near the top of its range must not overflow.
+        const auto next = static_cast<std::uint64_t>(offset) + static_cast<std::uint64_t>(count);
+        lines.add("More to come: ask again with --offset ");
+        offset < 0 ? lines.append(static_cast<std::int64_t>(next)) : lines.append(next);
+        lines.append(std::string_view("."));
     }
     return true;
 }

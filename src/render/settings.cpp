@@ -24,7 +24,7 @@ std::vector<json::Member> sortedMembers(const json::Object& object) {
 
 std::string joined(const std::vector<std::string_view>& texts) {
     std::string text;
-    for (const std::string_view part : texts) {
+    for (const std::string_view& part : texts) {
         if (&part != &texts.front()) {
             text += ", ";
         }

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "json/byte_buffer.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+/// How a Document is held in memory; for the document's own sources only.
+namespace fernlow::json::detail {
+
+enum class Kind : std::uint8_t { null, yes, no, number, text, unescapedText, list, object };
+
+/// One value or key. 8 bytes, because large replies are paid for by the memory they touch.
+struct Node {
+    Kind kind : 4;
+    /// Of a text or number, its bytes; of a list or object, its elements or members.
+    std::uint32_t size : 28;
+    /// Of a text or number, where it begins; of a list or object, the index behind its last node.
+    std::uint32_t place;
+};
+
+constexpr std::uint32_t largestSize = (1U << 28U) - 1;
+constexpr std::size_t deepestNesting = 1024;
+
+/// A document laid out flat in its own order: a container's node is followed by those of its
+/// elements, a key's by that of its value.
+struct Tape {
+    std::string_view source;
+    /// The texts that had escapes, decoded; all others lie in the source.
+    ByteBuffer unescaped;
+    std::vector<Node> nodes;
+
+    [[nodiscard]] std::string_view slice(const Node& node) const {
+        const std::string_view whole = node.kind == Kind::unescapedText ? unescaped.view() : source;
+        return whole.substr(node.place, node.size);
+    }
+
+    [[nodiscard]] std::uint32_t after(std::uint32_t index) const {
+        const Node& node = nodes[index];
+        return node.kind >= Kind::list ? node.place : index + 1;
+    }
+};
+
+} // namespace fernlow::json::detail
