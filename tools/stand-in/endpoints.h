@@ -1,0 +1,29 @@
+#pragma once
+
+#include "http_server.h"
+#include "state.h"
+
+namespace fernlow::standin {
+
+/// One row of the protocol. `members` names what a request has, and with a "?" what it may have;
+/// `answer` gets a request so checked, and gives the reply's "result" or throws a Refusal.
+struct Endpoint {
+    std::string method;
+    std::string path;
+    std::string summary;
+    std::string members;
+    std::function<Json(State&, const Json&)> answer;
+};
+using Endpoints = std::vector<Endpoint>;
+
+/// The families of endpoints, each in the file of its name.
+const Endpoints& collectionEndpoints();
+const Endpoints& fileEndpoints();
+const Endpoints& projectEndpoints();
+const Endpoints& settingsEndpoints();
+const Endpoints& workEndpoints();
+
+/// Answers one request. Whatever is wrong with it becomes a refusal; nothing is thrown.
+Reply answer(State& state, const Request& request);
+
+} // namespace fernlow::standin

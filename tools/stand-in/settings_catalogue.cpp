@@ -1,0 +1,241 @@
+#include "settings_catalogue.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace fernlow::standin {
+
+namespace {
+
+constexpr const char* everyLanguage = "*";
+constexpr const char* atOnce = "immediate";
+constexpr const char* toFiles = "copiedToFiles";
+constexpr const char* toNewFiles = "newFilesOnly";
+
+/// One setting; the type of its default is the type of its values.
+struct Setting {
+    std::string name;
+    Json defaultValue;
+    std::string propagation = atOnce;
+    std::string language{};
+    std::string collection{};
+};
+
+const std::vector<Setting>& catalogue() {
+    static const std::vector<Setting> settings = {
+        {"buildFolderActive", true},
+        {"buildFolderName", "build"},
+        {"sourceFolderName", "src"},
+        {"skippedFoldersString", ""},
+        {"imageQuality", 0.8},
+        {"browserTargets", Json::array({"defaults"})},
+        {"minifies", false, toFiles, everyLanguage},
+        {"outputFolderName", "", toNewFiles, everyLanguage},
+        {"usesAutoprefixer", true, toFiles, "Sass"},
+        {"usesAutoprefixer", true, toFiles, "Less"},
+        {"bundleFormat", 4, toFiles, "Typescript"},
+        {"moduleResolutionType", 5, toFiles, "Typescript"},
+        {"tsConfigFileHandlingType", 0, toFiles, "Typescript"},
+        {"tsNoImplicitAny", true, toFiles, "Typescript"},
+        {"tsTypesString", "*", toFiles, "Typescript"},
+        {"name", "", atOnce, "", "hooks"},
+        {"script", "", atOnce, "", "hooks"},
+        {"matchExtensions", Json::array(), atOnce, "", "hooks"},
+        {"pathContains", Json::array(), atOnce, "", "hooks"},
+        {"name", "", atOnce, "", "buildSteps"},
+        {"script", "", atOnce, "", "buildSteps"},
+        {"name", "", atOnce, "", "webpPresets"},
+        {"quality", 0.75, atOnce, "", "webpPresets"},
+        {"name", "", atOnce, "", "userLanguages"},
+        {"outputExtension", "", atOnce, "", "userLanguages"},
+    };
+    return settings;
+}
+
+std::string typeName(const Json& value) {
+    if (value.is_boolean()) {
+        return "boolean";
+    }
+    if (value.is_number_integer()) {
+        return "integer";
+    }
+    if (value.is_number()) {
+        return "decimal";
+    }
+    return value.is_array() ? "list" : "text";
+}
+
+bool belongsTo(const Setting& setting, const Scope& scope) {
+    return setting.collection == scope.collection &&
+           (setting.language == scope.language ||
+            (setting.language == everyLanguage && !scope.language.empty()));
+}
+
+Json defaultsOf(const Scope& scope) {
+    Json values = Json::object();
+    for (const Setting& setting : catalogue()) {
+        if (belongsTo(setting, scope)) {
+            values[setting.name] = setting.defaultValue;
+        }
+    }
+    return values;
+}
+
+void addSchemaRows(Json& rows, const Scope& scope) {
+    for (const Setting& setting : catalogue()) {
+        if (!belongsTo(setting, scope)) {
+            continue;
+        }
+        Json row = {{"name", setting.name},
+                    {"valueType", typeName(setting.defaultValue)},
+                    {"propagation", setting.propagation}};
+        if (!scope.language.empty()) {
+            row["language"] = scope.language;
+        }
+        if (!scope.collection.empty()) {
+            row["group"] = scope.collection;
+        }
+        rows.push_back(std::move(row));
+    }
+}
+
+template <typename Number>
+Json numberFrom(const std::string& text) {
+    Number number{};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc{} && stop == end ? Json(number) : Json();
+}
+
+/// The value that `text` stands for, or one of another type when it stands for none.
+Json valueFromLiteral(const std::string& text, const std::string& type) {
+    if (type == "boolean") {
+        return text == "true" ? Json(true) : text == "false" ? Json(false) : Json();
+    }
+    if (type == "integer") {
+        return numberFrom<std::int64_t>(text);
+    }
+    // Through the JSON reader: the standard library of some systems can't read decimals in place.
+    if (type == "decimal") {
+        return Json::parse(text, nullptr, false);
+    }
+    return type == "list" ? Json(splitAtCommas(text)) : Json(text);
+}
+
+const Setting& settingNamed(const std::string& name, const Scope& scope) {
+    const auto found = std::ranges::find_if(catalogue(), [&](const Setting& setting) {
+        return setting.name == name && belongsTo(setting, scope);
+    });
+    if (found == catalogue().end()) {
+        throw Refusal("There is no setting \"" + name + "\" here.");
+    }
+    return *found;
+}
+
+/// `value` as the setting may hold it; refuses any other.
+Json acceptedValue(const Setting& setting, Json value) {
+    const std::string type = typeName(setting.defaultValue);
+    const bool fits = type == "decimal" ? value.is_number()
+                                        : value.type() == setting.defaultValue.type() ||
+                                              (type == "integer" && value.is_number_integer());
+    if (!fits) {
+        throw Refusal("The setting \"" + setting.name + "\" needs a value of type " + type + ".");
+    }
+    // A folder name that led elsewhere would have builds write and empty folders of somebody else.
+    if (setting.name.ends_with("FolderName")) {
+        const auto name = value.get<std::string>();
+        if (name.find('/') != std::string::npos || name.starts_with('.') ||
+            (name.empty() && !setting.defaultValue.empty())) {
+            throw Refusal("The setting \"" + setting.name + "\" needs the plain name of a folder.");
+        }
+    }
+    return value;
+}
+
+} // namespace
+
+const std::vector<std::string>& languages() {
+    static const std::vector<std::string> names = {"CoffeeScript", "Javascript", "Less", "Sass",
+                                                   "Stylus",       "Typescript", "Weft"};
+    return names;
+}
+
+void requireLanguage(const std::string& language) {
+    if (std::ranges::find(languages(), language) == languages().end()) {
+        throw Refusal("There is no language \"" + language + "\".");
+    }
+}
+
+Json defaultSettings() {
+    Json settings = {{"project", defaultsOf({})}, {"languages", Json::object()}};
+    for (const auto& language : languages()) {
+        settings["languages"][language] = defaultsOf({language, ""});
+    }
+    return settings;
+}
+
+Json defaultRowValues(const std::string& kind) {
+    return defaultsOf({"", kind});
+}
+
+Json settingsSchema(const std::string& language) {
+    Json rows = Json::array();
+    if (!language.empty()) {
+        requireLanguage(language);
+        addSchemaRows(rows, {language, ""});
+        return rows;
+    }
+    addSchemaRows(rows, {});
+    for (const auto& each : languages()) {
+        addSchemaRows(rows, {each, ""});
+    }
+    return rows;
+}
+
+Json collectionSchema(const std::string& kind) {
+    Json rows = Json::array();
+    for (const char* each : {"hooks", "buildSteps", "webpPresets", "userLanguages"}) {
+        if (kind.empty() || kind == each) {
+            addSchemaRows(rows, {"", each});
+        }
+    }
+    return rows;
+}
+
+Json readPatch(const Json& patch, const Scope& scope) {
+    if (!scope.language.empty()) {
+        requireLanguage(scope.language);
+    }
+    Json accepted = Json::object();
+    for (const auto& [name, text] : patch.at("literals").items()) {
+        if (!text.is_string()) {
+            throw Refusal("The literal \"" + name + "\" is not a text.", 400);
+        }
+        const Setting& setting = settingNamed(name, scope);
+        const std::string type = typeName(setting.defaultValue);
+        accepted[name] = acceptedValue(setting, valueFromLiteral(text.get<std::string>(), type));
+    }
+    for (const auto& [name, value] : patch.at("values").items()) {
+        const Setting& setting = settingNamed(name, scope);
+        accepted[name] = value.is_null() ? setting.defaultValue : acceptedValue(setting, value);
+    }
+    return accepted;
+}
+
+bool concernsNewFilesOnly(const std::string& name) {
+    return std::ranges::any_of(catalogue(), [&](const Setting& setting) {
+        return setting.name == name && setting.propagation == toNewFiles;
+    });
+}
+
+std::vector<std::string> splitAtCommas(const std::string& text) {
+    std::vector<std::string> pieces;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t comma = std::min(text.find(',', start), text.size());
+        pieces.push_back(text.substr(start, comma - start));
+        start = comma + 1;
+    }
+    return pieces;
+}
+
+} // namespace fernlow::standin

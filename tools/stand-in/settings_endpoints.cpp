@@ -1,0 +1,95 @@
+#include "endpoints.h"
+#include "project_files.h"
+#include "settings_catalogue.h"
+
+namespace fernlow::standin {
+
+namespace {
+
+/// Changes `settings` as the request asks, wholly or not at all; gives the values that were set.
+Json applyPatch(Json& settings, const Json& body) {
+    for (const char* member : {"group", "row", "fileExtension"}) {
+        if (body.contains(member)) {
+            throw Refusal(std::string("The stand-in has no settings by ") + member + ".");
+        }
+    }
+    const std::string language = body.value("language", "");
+    Json applied = readPatch(body, {language, ""});
+    (language.empty() ? settings["project"] : settings["languages"][language]).update(applied);
+    return applied;
+}
+
+Json setSettings(State& state, const Json& body) {
+    Project& project = state.projectAt(body["path"]);
+    const Json applied = applyPatch(project.settings, body);
+    const std::string language = body.value("language", "");
+    Json stale = Json::array();
+    for (const auto& [name, value] : applied.items()) {
+        if (concernsNewFilesOnly(name)) {
+            stale = Json::array({language});
+            continue;
+        }
+        // A compiling option is copied onto the files there are, over what each had of its own.
+        for (auto& [file, choice] : project.fileChoices) {
+            if (languageOf(file) == language) {
+                choice["values"].erase(name);
+            }
+        }
+    }
+    return {{"applied", applied}, {"outputPathsStale", stale}};
+}
+
+Json applyOutputPaths(State& state, const Json& body) {
+    Project& project = state.projectAt(body["path"]);
+    const std::string language = body["language"];
+    requireLanguage(language);
+    if (body.contains("fileExtension")) {
+        throw Refusal("The stand-in has no settings by extension.");
+    }
+    project.appliedLanguages[language] = project.settings["languages"][language];
+    int overwritten = 0;
+    for (auto& [file, choice] : project.fileChoices) {
+        if (languageOf(file) != language) {
+            continue;
+        }
+        choice = {{"values", choice["values"]}};
+        ++overwritten;
+    }
+    return {{"language", language}, {"overwrittenChoiceCount", overwritten}};
+}
+
+Json projectSettings(State& state, const Json& body) {
+    return state.projectAt(body["path"]).settings;
+}
+
+Json defaults(State& state, const Json& /*unused*/) {
+    return state.defaults;
+}
+
+Json setDefaults(State& state, const Json& body) {
+    return {{"applied", applyPatch(state.defaults, body)}};
+}
+
+Json schema(State& /*unused*/, const Json& body) {
+    return settingsSchema(body.value("language", ""));
+}
+
+} // namespace
+
+const Endpoints& settingsEndpoints() {
+    static const Endpoints rows = {
+        {"POST", "/v1/settings", "Every setting of a project.", "path", projectSettings},
+        {"POST", "/v1/settings/set", "Change settings, wholly or not at all.",
+         "path language? fileExtension? group? row? values literals", setSettings},
+        {"POST", "/v1/settings/schema", "Which settings there are.", "path language?", schema},
+        {"POST", "/v1/settings/apply-output-paths", "Work out output paths afresh.",
+         "path language fileExtension? timeoutSeconds", applyOutputPaths},
+        {"GET", "/v1/defaults", "The settings a new project gets.", "", defaults},
+        {"POST", "/v1/defaults/set", "Change the defaults.", "language? values literals",
+         setDefaults},
+        {"POST", "/v1/defaults/schema", "Which defaults there are.", "language?", schema},
+    };
+    return rows;
+}
+
+} // namespace fernlow::standin

@@ -1,0 +1,79 @@
+#include "state.h"
+
+#include "settings_catalogue.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fernlow::standin {
+
+State::State() : groups{"Projects", "Frameworks"}, defaults(defaultSettings()) {}
+
+Project& State::projectAt(const std::string& path) {
+    const fs::path folder = absolutePath(path);
+    const auto found = std::ranges::find(projects, folder, &Project::folder);
+    if (found == projects.end()) {
+        throw Refusal("There is no project at " + folder.string() + ".");
+    }
+    return *found;
+}
+
+Project& State::projectOf(const fs::path& file) {
+    Project* innermost = nullptr;
+    for (Project& project : projects) {
+        if (!isWithin(file, project.folder)) {
+            continue;
+        }
+        if (innermost == nullptr || isWithin(project.folder, innermost->folder)) {
+            innermost = &project;
+        }
+    }
+    if (innermost == nullptr) {
+        throw Refusal(file.string() + " is not in any project.");
+    }
+    if (!innermost->isEnabled) {
+        throw Refusal("The project \"" + innermost->name + "\" is switched off. Enable it first.");
+    }
+    return *innermost;
+}
+
+void State::record(const Json& entry) {
+    constexpr std::size_t capacity = 1000;
+    Json numbered = {{"cursor", ++logCursor}};
+    numbered.update(entry);
+    log.push_back(std::move(numbered));
+    if (log.size() > capacity) {
+        log.pop_front();
+    }
+}
+
+bool State::isTruncatedAfter(std::uint64_t cursor) const {
+    return !log.empty() && log.front()["cursor"].get<std::uint64_t>() > cursor + 1;
+}
+
+void State::finishSubmittedWork() {
+    for (const auto& work : std::exchange(submittedWork, {})) {
+        // Nobody waits for this work, so its failure may not refuse the request that came next.
+        try {
+            work();
+        } catch (const std::exception& error) {
+            record({{"severity", "error"}, {"title", "Work stopped"}, {"message", error.what()}});
+        }
+    }
+    activeBuild = nullptr;
+}
+
+fs::path absolutePath(const std::string& text) {
+    const fs::path path = fs::path(text).lexically_normal();
+    if (!path.is_absolute()) {
+        throw Refusal("The path \"" + text + "\" is not absolute.");
+    }
+    return path.has_filename() || path == path.root_path() ? path : path.parent_path();
+}
+
+bool isWithin(const fs::path& path, const fs::path& folder) {
+    return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
+           folder.end();
+}
+
+} // namespace fernlow::standin
