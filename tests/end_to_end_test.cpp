@@ -1,0 +1,190 @@
+// The built program against the stand-in application.
+#include "support/command_line.h"
+#include "support/process.h"
+#include "support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+
+namespace fernlow::test {
+namespace {
+
+class EndToEnd : public testing::Test {
+protected:
+    EndToEnd() {
+        write("src/_ink.scss", "$ink: #222;\n");
+        write("src/app.scss", "@import \"ink\";\nbody { color: $ink; }\n");
+        write("src/print.scss", "@import \"ink\";\np { color: $ink; }\n");
+        write("src/main.js", "function greet() {\n");
+        write("vendor/library.js", "vendored();\n");
+    }
+
+    void write(const std::string& name, const std::string& text) {
+        const auto path = std::filesystem::path(site()) / name;
+        std::filesystem::create_directories(path.parent_path());
+        std::ofstream(path) << text;
+    }
+
+    /// A folder's real path, as the program sees it in getcwd().
+    [[nodiscard]] std::string site() const {
+        return std::filesystem::canonical(folder_.path()).string() + "/site";
+    }
+
+    [[nodiscard]] Outcome run(const std::string& line, bool inTerminal) const {
+        ProgramRun run{splitWords(line), site(), {}, inTerminal};
+        run.arguments.insert(run.arguments.end(), {"--no-launch", "--socket", socket()});
+        return runProgram(run);
+    }
+
+    /// What a person sees, without the terminal's carriage returns and with the site's folder as
+    /// "SITE"; then the status.
+    [[nodiscard]] std::string seen(const std::string& line) const {
+        const Outcome outcome = run(line, true);
+        std::string text;
+        for (const char character : outcome.standardOutput) {
+            if (character != '\r') {
+                text += character;
+            }
+        }
+        for (std::size_t at = 0; (at = text.find(site(), at)) != std::string::npos;) {
+            text.replace(at, site().size(), "SITE");
+        }
+        return text + "[" + std::to_string(outcome.status) + "]";
+    }
+
+    [[nodiscard]] nlohmann::json read(const std::string& line) const {
+        const Outcome outcome = run(line, false);
+        EXPECT_EQ(outcome.status, 0) << line << outcome;
+        return nlohmann::json::parse(outcome.standardOutput)["result"];
+    }
+
+    [[nodiscard]] std::string socket() const { return folder_.file("s"); }
+
+private:
+    TemporaryFolder folder_;
+    StandIn standIn_{socket()};
+};
+
+TEST_F(EndToEnd, speaksTextToATerminalAndJsonToAPipe) {
+    EXPECT_EQ(seen("status"), "Projects: 0    Frameworks: 0\n"
+                              "Indexing: no    Compiling: no    Watching: on\n"
+                              "Log cursor: 0\n[0]");
+    EXPECT_EQ(read("status")["logCursor"], 0);
+    EXPECT_EQ(nlohmann::json::parse(run("--json status", true).standardOutput)["ok"], true);
+    EXPECT_EQ(run("remove nothing", false).standardOutput, "");
+    EXPECT_EQ(seen("frobnicate"), "There is no \"frobnicate\" command. Run \"fernlow --help\" to "
+                                  "see what there is.\n[2]");
+}
+
+TEST_F(EndToEnd, walksThroughAProjectsWholeLife) {
+    EXPECT_EQ(seen("build"), "There is no project at SITE.\n[5]");
+    EXPECT_EQ(seen("add"), "Done.\n[0]");
+    EXPECT_EQ(seen("rename --name 'My site'"), "Done.\n[0]");
+    EXPECT_EQ(seen("groups add Blog"), "Done.\n[0]");
+    EXPECT_EQ(seen("move --group Blog"), "Done.\n[0]");
+    EXPECT_EQ(seen("groups remove Nowhere").substr(0, 9), "There is ");
+    EXPECT_EQ(seen("projects"), "My site\n  SITE\n[0]");
+
+    EXPECT_EQ(seen("build"), "Compiled 2 files. 1 error, 0 warnings.\n"
+                             "\n"
+                             "ERROR  Syntax error in src/main.js\n"
+                             "The braces don't balance.\n"
+                             "  SITE/src/main.js:1:18  This \"{\" is never closed.\n[1]");
+    write("src/main.js", "function greet() {}\n");
+    EXPECT_EQ(seen("process src/main.js"), "Compiled 1 file. 0 errors, 0 warnings.\n[0]");
+    EXPECT_EQ(seen("process src/_ink.scss"),
+              "Compiled 2 files. 0 errors, 0 warnings.\n"
+              "(You asked for 1; Fernlow rebuilt everything that depended on them.)\n[0]");
+    EXPECT_TRUE(std::filesystem::exists(site() + "/build/app.css"));
+    EXPECT_EQ(seen("log --errors-only"), "2  ERROR  Syntax error in src/main.js\n[0]");
+    EXPECT_EQ(seen("wait --settle 2000 --timeout 0.1").substr(0, 38),
+              "Compiled 0 files. 0 errors, 0 warnings");
+
+    EXPECT_EQ(seen("settings set imageQuality=0.25"), "Project-wide:\n  imageQuality = 0.25\n[0]");
+    EXPECT_EQ(seen("settings set imageQuality=0.5 nonsense=1"),
+              "There is no setting \"nonsense\" here.\n[5]");
+    EXPECT_EQ(read("settings .")["project"]["imageQuality"], 0.25);
+    EXPECT_NE(seen("settings schema").find("imageQuality  [decimal, "), std::string::npos);
+
+    EXPECT_EQ(seen("files skip vendor"), "Done.\n[0]");
+    EXPECT_EQ(seen("files set src/print.scss --action ignore").substr(0, 37),
+              "src/print.scss  [IGNORE, action chose");
+    EXPECT_EQ(seen("files --limit 2 --offset 2"), "src/main.js\n"
+                                                  "    \u2192 SITE/build/main.js\n"
+                                                  "src/print.scss  [IGNORE, action chosen]\n"
+                                                  "\n"
+                                                  "2 of 4.\n[0]");
+    EXPECT_EQ(read("files --limit 1")["truncated"], true);
+
+    EXPECT_EQ(seen("collections add --kind hooks --values '{\"name\":\"Lint\"}'").back(), ']');
+    const std::string id = read("collections --kind hooks")["hooks"][0]["id"];
+    EXPECT_EQ(seen("collections remove --kind hooks --id " + id), "Done.\n[0]");
+    EXPECT_EQ(read("collections --kind hooks")["hooks"].size(), 0);
+
+    EXPECT_EQ(seen("watch pause"), "Done.\n[0]");
+    EXPECT_EQ(read("status")["isFileWatchingPaused"], true);
+    EXPECT_EQ(seen("disable"), "Done.\n[0]");
+    EXPECT_EQ(seen("projects"), "My site  [OFF]\n  SITE\n[0]");
+    EXPECT_EQ(seen("remove ."), "Done.\n[0]");
+    EXPECT_EQ(seen("projects"), "No projects.\n[0]");
+}
+
+/// Every endpoint that the stand-in knows is one that a command can reach.
+TEST_F(EndToEnd, reachesEveryEndpoint) {
+    const char* const lines[] = {
+        "status",
+        "projects",
+        "schema",
+        "groups",
+        "defaults",
+        "add .",
+        "enable .",
+        "watch resume",
+        "process src/app.scss",
+        "wait",
+        "log",
+        "build",
+        "refresh",
+        "optimize src/logo.png",
+        "check src/main.js",
+        "groups add Blog",
+        "groups rename Blog Notes",
+        "move . --group Notes",
+        "groups remove Notes",
+        "rename . --name Site",
+        "packages prune",
+        "preview",
+        "settings",
+        "settings set imageQuality=1",
+        "settings schema",
+        "settings apply-output-paths --language Sass",
+        "defaults set imageQuality=1",
+        "defaults schema",
+        "files",
+        "files settings src/app.scss",
+        "files set src/app.scss --action compile",
+        "files schema src/app.scss",
+        "files skip vendor",
+        "collections",
+        "collections add --kind hooks",
+        "collections set --kind hooks --id 2 --values '{\"name\":\"x\"}'",
+        "collections add --kind buildSteps --type runScript",
+        "collections move --kind buildSteps --id 3 --position 0",
+        "collections remove --kind hooks --id 2",
+        "collections schema",
+        "remove .",
+    };
+    std::size_t endpoints = read("schema")["endpoints"].size();
+    EXPECT_EQ(endpoints, 40U);
+    for (const char* const line : lines) {
+        const Outcome outcome = run(line, false);
+        const auto reply = nlohmann::json::parse(outcome.standardOutput + outcome.standardError);
+        EXPECT_TRUE(reply.contains("ok")) << line << outcome;
+    }
+}
+
+} // namespace
+} // namespace fernlow::test

@@ -1,0 +1,267 @@
+#include "support/command_line.h"
+#include "support/process.h"
+#include "support/scripted_peer.h"
+#include "transport/http.h"
+#include "transport/socket_client.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+namespace fernlow::test {
+namespace {
+
+using Connection = ScriptedPeer::Connection;
+
+const Outcome notRunning{"",
+                         "Fernlow is not running, or it is not listening for agents. Open Fernlow "
+                         "and try again.\n",
+                         3};
+const Outcome writeFailed{"", "The request could not be sent to Fernlow.\n", 3};
+const Outcome readFailed{"", "Fernlow stopped answering partway through its reply.\n", 3};
+const Outcome malformed{
+    "", "Something answered on Fernlow's socket, but not with a reply Fernlow would send.\n", 3};
+const Outcome done{"Done.\n", "", 0};
+
+Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
+    return runLine("--no-launch --socket " + peer.path() + " " + line);
+}
+
+TEST(Exchange, sendsExactlyTheRequest) {
+    ScriptedPeer peer({answer(reply(R"({"ok":true})")), answer(reply(R"({"ok":true})"))});
+    EXPECT_EQ(runAgainst(peer, "status"), done);
+    EXPECT_EQ(runAgainst(peer, "remove 'caf\u00e9'"), done);
+    EXPECT_EQ(peer.requests()[0], "GET /v1/status HTTP/1.1\r\nHost: localhost\r\nContent-Type: "
+                                  "application/json; charset=utf-8\r\nContent-Length: 0\r\n"
+                                  "Connection: close\r\n\r\n");
+    EXPECT_EQ(peer.requests()[1],
+              "POST /v1/projects/remove HTTP/1.1\r\nHost: localhost\r\nContent-Type: "
+              "application/json; charset=utf-8\r\nContent-Length: 23\r\n"
+              "Connection: close\r\n\r\n{\"path\":\"/p/src/caf\u00e9\"}");
+}
+
+TEST(Exchange, framesReplies) {
+    const struct {
+        std::string bytes;
+        Outcome expected;
+    } cases[] = {
+        {"HTTP/1.1 200 OK\r\n\r\n{\"ok\":true}", done},
+        {"\r\nHTTP/1.1  404  Not Found\r\n\r\n{\"ok\":true}", done},
+        {"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{\"ok\":true}", done},
+        {"\xFF\xFE 200\r\nX: \xFF\r\n\r\n{\"ok\":true}", done},
+        {"HTTP/1.1 200 OK\r\n\r\n", {"", "Fernlow's reply could not be read.\n", 5}},
+        {"HTTP/1.1 200 OK\r\n\r\n\r\n\r\n{\"ok\":true}", done},
+        {"", malformed},
+        {"HTTP/1.1 200 OK\r\n", malformed},
+        {"HTTP/1.1 200 OK\n\n{\"ok\":true}", malformed},
+        {"\r\n\r\nHTTP/1.1 200 OK\r\n\r\n", malformed},
+        {"HTTP/1.1\r\n\r\n{\"ok\":true}", malformed},
+        {"HTTP/1.1 OK\r\n\r\n{\"ok\":true}", malformed},
+        {"HTTP/1.1\t200\tOK\r\n\r\n{\"ok\":true}", malformed},
+        {"HTTP/1.1 +-200\r\n\r\n{\"ok\":true}", malformed},
+        {"HTTP/1.1 9223372036854775808\r\n\r\n{\"ok\":true}", malformed},
+    };
+    for (const auto& [bytes, expected] : cases) {
+        ScriptedPeer peer({answer(bytes)});
+        EXPECT_EQ(runAgainst(peer, "status"), expected) << bytes;
+    }
+}
+
+TEST(Exchange, readsTheStatusCode) {
+    EXPECT_EQ(parseReply(ByteBuffer("HTTP/1.1  404  Not Found\r\n\r\nbody")).statusCode, 404);
+    EXPECT_EQ(parseReply(ByteBuffer("x +7\r\n\r\n")).statusCode, 7);
+    EXPECT_EQ(parseReply(ByteBuffer("x -7\r\n\r\n")).statusCode, -7);
+}
+
+TEST(Exchange, survivesHostilePeers) {
+    const std::string good = reply(R"({"ok":true})");
+    const struct {
+        const char* what;
+        ScriptedPeer::Script script;
+        Outcome expected;
+    } cases[] = {
+        {"closes before the reply", [](Connection& c) { c.readRequest(); }, malformed},
+        {"closes within the head", answer("HTTP/1.1 200 OK\r\nContent-"), malformed},
+        {"closes within the body",
+         answer(reply(R"({"ok":tr)")),
+         {"", "Fernlow's reply could not be read.\n", 5}},
+        {"resets", [](Connection& c) { c.reset(); }, readFailed},
+        {"trickles",
+         [&good](Connection& c) {
+             c.readRequest();
+             for (const char byte : good) {
+                 c.write({&byte, 1});
+             }
+         },
+         done},
+        {"answers before it has read",
+         [&good](Connection& c) {
+             c.write(good);
+             c.readRequest();
+         },
+         done},
+        {"answers 50 MB",
+         [](Connection& c) {
+             c.readRequest();
+             c.write(reply(R"({"ok":true,"padding":")"));
+             const std::string megabyte(1U << 20U, 'x');
+             for (int count = 0; count < 50; ++count) {
+                 c.write(megabyte);
+             }
+             c.write("\"}");
+         },
+         done},
+    };
+    for (const auto& [what, script, expected] : cases) {
+        ScriptedPeer peer({script});
+        EXPECT_EQ(runAgainst(peer, "status"), expected) << what;
+    }
+}
+
+TEST(Exchange, writesMegabytesWhateverTheirPace) {
+    const std::string path(3U << 20U, 'x');
+    ScriptedPeer peer({answer(reply(R"({"ok":true})"))});
+    EXPECT_EQ(runAgainst(peer, "process /" + path), done);
+    EXPECT_NE(peer.requests()[0].find("{\"paths\":[\"/" + path + "\"],"), std::string::npos);
+}
+
+TEST(Exchange, endsWithAMessageWhenThePeerClosesDuringTheRequest) {
+    ScriptedPeer peer({[](Connection& connection) { connection.reset(); }});
+    EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
+}
+
+TEST(Exchange, givesUpOnASilentPeer) {
+    // Of all commands this one lets the timeout be negative, and the socket's is never under 5.
+    ScriptedPeer peer({[](Connection& connection) {
+        connection.readRequest();
+        connection.waitForClose();
+    }});
+    EXPECT_EQ(runAgainst(peer, "files skip vendor --timeout -100"), readFailed);
+}
+
+TEST(Exchange, stopsAPeerThatNeverStopsSending) {
+    ScriptedPeer peer({[](Connection& connection) {
+        connection.readRequest();
+        connection.write("HTTP/1.1 200 OK\r\n\r\n");
+        const std::string megabyte(1U << 20U, ' ');
+        for (int count = 0; count < 300; ++count) {
+            connection.write(megabyte);
+        }
+    }});
+    EXPECT_EQ(runAgainst(peer, "status"), malformed);
+}
+
+TEST(Exchange, findsNobodyListening) {
+    const TemporaryFolder folder;
+    ::close(::open(folder.file("regular").c_str(), O_CREAT | O_WRONLY, 0600));
+    std::string abandoned;
+    {
+        ScriptedPeer peer({answer(reply(R"({"ok":true})"))});
+        EXPECT_EQ(runAgainst(peer, "status"), done);
+        peer.requests();
+        abandoned = peer.path();
+        EXPECT_EQ(runAgainst(peer, "status"), notRunning) << "a socket without a listener";
+    }
+    for (const std::string& path : {abandoned, folder.file("regular"), folder.path(),
+                                    folder.file("no/such"), std::string("''")}) {
+        EXPECT_EQ(runLine("status --no-launch --socket " + path), notRunning) << path;
+    }
+}
+
+TEST(Exchange, limitsTheSocketPathInBytes) {
+    const std::string longest(103, 'x');
+    std::string twoBytesEach;
+    for (int count = 0; count < 60; ++count) {
+        twoBytesEach += "\u00e9";
+    }
+    EXPECT_EQ(runLine("status --no-launch --socket " + longest), notRunning);
+    for (const std::string& path : {longest + "x", twoBytesEach}) {
+        // Not a reason to start the application: the script would say so.
+        const Outcome tooLong{
+            "", "That socket path is too long. The limit is 103 characters:\n\n" + path + "\n", 3};
+        EXPECT_EQ(runLine("status --socket " + path), tooLong);
+    }
+}
+
+TEST(Exchange, readsTheReplyTimeoutBack) {
+    const struct {
+        std::string_view body;
+        double seconds;
+    } cases[] = {
+        {"", 600},
+        {R"({"timeoutSeconds":10})", 10},
+        {R"({"timeoutSeconds":-100})", -100},
+        {R"({"timeoutSeconds":0.25,"x":1})", 0.25},
+        {R"({"timeoutSeconds":123456789012345678901})", 123456789012345678901.0},
+        {R"({"timeoutSeconds":"10"})", 600},
+        {R"({"timeoutSeconds":true})", 600},
+        {R"({"x":{"timeoutSeconds":10}})", 600},
+        {R"([{"timeoutSeconds":10}])", 600},
+    };
+    for (const auto& [body, seconds] : cases) {
+        EXPECT_EQ(replyTimeoutSeconds(body), seconds) << body;
+    }
+}
+
+TEST(Exchange, setsTheSocketTimeouts) {
+    const struct {
+        double replyTimeout;
+        long least;
+        long most;
+    } cases[] = {
+        {600, 630, 630},
+        {10.9, 40, 40},
+        {-100, 5, 5},
+        {1e300, 1000000, -1},
+    };
+    for (const auto& [replyTimeout, least, most] : cases) {
+        ScriptedPeer peer({[](Connection& connection) { connection.waitForClose(); }});
+        const auto socket = AgentSocketClient::connect(peer.path(), replyTimeout);
+        for (const int option : {SO_RCVTIMEO, SO_SNDTIMEO}) {
+            timeval timeout{};
+            socklen_t size = sizeof timeout;
+            ::getsockopt(socket.get(), SOL_SOCKET, option, &timeout, &size);
+            if (most < 0) {
+                // No timeout at all is how the system reports one beyond what it counts.
+                EXPECT_TRUE(timeout.tv_sec == 0 || timeout.tv_sec > least) << timeout.tv_sec;
+            } else {
+                EXPECT_EQ(timeout.tv_sec, least);
+            }
+        }
+    }
+}
+
+/// The descriptors that are open in this process.
+std::vector<int> openDescriptors() {
+    std::vector<int> open;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) != -1) {
+            open.push_back(descriptor);
+        }
+    }
+    return open;
+}
+
+TEST(Exchange, leaksNoDescriptor) {
+    const auto before = openDescriptors();
+    {
+        ScriptedPeer peer({answer(reply(R"({"ok":true})")), answer("no reply"),
+                           [](Connection& connection) { connection.reset(); },
+                           [](Connection& connection) { connection.reset(); }});
+        EXPECT_EQ(runAgainst(peer, "status"), done);
+        EXPECT_EQ(runAgainst(peer, "status"), malformed);
+        EXPECT_EQ(runAgainst(peer, "status"), readFailed);
+        EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
+        peer.requests();
+        EXPECT_EQ(runAgainst(peer, "status"), notRunning);
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+} // namespace
+} // namespace fernlow::test

@@ -1,0 +1,186 @@
+#include "json/document.h"
+#include "json/number.h"
+#include "json/utf8.h"
+#include "render/reply.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fernlow {
+namespace {
+
+using namespace std::string_view_literals;
+
+// A replacement character, and several in a row.
+#define R1 "\uFFFD"
+#define R3 R1 R1 R1
+#define R8 R3 R3 R1 R1
+
+TEST(Utf8, ReplacesMaximalSubparts) {
+    struct Case {
+        std::string_view text;
+        std::string_view replaced;
+    };
+    const Case cases[] = {
+        {"", ""},
+        {"a\0\x7f"sv, "a\0\x7f"sv},
+        {"\xc2\x80\xdf\xbf", "\u0080\u07ff"},
+        {"\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf", "\u0800\ud7ff\ue000\uffff"},
+        {"\xef\xbf\xbd", R1},
+        {"\xf0\x90\x80\x80\xf4\x8f\xbf\xbf", "\U00010000\U0010ffff"},
+        {"\xc0\xaf\xe0\x80\xbf\xf0\x81\x82\x41", R8 "A"},
+        {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", R8 R1},
+        {"\xed\xa0\x80\xed\xbf\xbf\xed\xaf\x41", R8 "A"},
+        {"\xf4\x91\x92\x93\xff\x41\x80\xbf\x42", R3 R1 R1 "A" R1 R1 "B"},
+        {"\xf4\x90\x80\x80", R3 R1},
+        {"\xf5\x80\xfe", R3},
+        {"\xe1\x80\xe2\xf0\x91\x92\xf1\xbf\x41", R3 R1 "A"},
+        {"\x61\xf1\x80\x80\xe1\x80\xc2\x62\x80\x63\x80\xbf\x64", "a" R3 "b" R1 "c" R1 R1 "d"},
+        {"\xc2", R1},
+        {"\xe2\x82", R1},
+        {"\xf0\x9f\x98", R1},
+        {"\xf0\x9f\xc3\xa9", R1 "\u00e9"},
+        {"\xf0\x9f\x98\x80\x80", "\U0001F600" R1},
+    };
+    // At every offset, for a scan that takes several bytes at a time.
+    for (const Case& row : cases) {
+        for (std::size_t offset = 0; offset < 40; ++offset) {
+            for (const std::size_t rest : {0U, 1U, 40U}) {
+                const std::string before(offset, 'x');
+                const std::string after(rest, 'y');
+                const std::string text = before + std::string(row.text) + after;
+                const std::string expected = before + std::string(row.replaced) + after;
+                ASSERT_EQ(utf8::replaceIllFormed(text).view(), expected) << offset;
+                ASSERT_EQ(utf8::isWellFormed(text), text == expected) << expected;
+            }
+        }
+    }
+}
+
+TEST(Number, WholeLiteralsGiveTheirDigits) {
+    struct Case {
+        std::string_view literal;
+        std::optional<std::string> digits;
+    };
+    const Case cases[] = {
+        {"-0", "0"},
+        {"0e99999999999999999999", "0"},
+        {"-7.000", "-7"},
+        {"-1E+2", "-100"},
+        {"1.50e1", "15"},
+        {"0.001e3", "1"},
+        {"100e-2", "1"},
+        {"9007199254740993.0", "9007199254740993"},
+        {"123456789012345678901234567890", "123456789012345678901234567890"},
+        {"1e308", "1" + std::string(308, '0')},
+        {"1.5", std::nullopt},
+        {"15e-1", std::nullopt},
+        {"1.05e1", std::nullopt},
+        {"1e400", std::nullopt},
+        {"1e99999999999999999999", std::nullopt},
+        {"1e-99999999999999999999", std::nullopt},
+    };
+    for (const Case& row : cases) {
+        EXPECT_EQ(json::wholeDigits(row.literal), row.digits) << row.literal;
+    }
+}
+
+TEST(Number, ShortestDecimalsReadBackAndStayPlain) {
+    struct Case {
+        double value;
+        std::string_view text;
+    };
+    const Case cases[] = {
+        {0, "0"},
+        {-2, "-2"},
+        {100000, "100000"},
+        {1e21, "1000000000000000000000"},
+        {0.5, "0.5"},
+        {0.1 + 0.2, "0.30000000000000004"},
+        {-1234567.125, "-1234567.125"},
+        {0.00001, "0.00001"},
+    };
+    for (const Case& row : cases) {
+        EXPECT_EQ(json::shortestDecimal(row.value), row.text);
+    }
+    for (const double extreme : {1e-7, 5e-324, 1e23, std::numeric_limits<double>::max()}) {
+        const std::string text = json::shortestDecimal(extreme);
+        EXPECT_EQ(std::strtod(text.c_str(), nullptr), extreme) << text;
+        EXPECT_EQ(text.find_first_of("e.") == std::string::npos, extreme > 1) << text;
+    }
+}
+
+TEST(Document, KeepsValuesDownToTheDepth) {
+    constexpr std::string_view text =
+        R"({"a":{"b":{"c":{"d":4}},"n":2},"l":[{"x":[{}]}],"n":1,"t":"\u0041"})";
+    for (const std::size_t depth :
+         {std::size_t{1}, std::size_t{2}, std::size_t{3}, json::Document::everything}) {
+        const auto document = json::Document::parse(text, depth);
+        ASSERT_TRUE(document) << depth;
+        const json::Object root = document->root().object().value();
+        EXPECT_EQ(root.integer("n"), 1) << depth;
+        EXPECT_EQ(root.text("t"), "A") << depth;
+        const auto a = root.object("a");
+        EXPECT_EQ(a && a->integer("n") == 2, depth >= 2) << depth;
+        const auto b = a ? a->object("b") : std::nullopt;
+        EXPECT_EQ(b && b->find("c"), depth >= 3) << depth;
+        const auto c = b ? b->object("c") : std::nullopt;
+        EXPECT_EQ(c && c->integer("d") == 4, depth >= 4) << depth;
+    }
+}
+
+TEST(Document, SaysWhatIsUnreadableWhereverItLies) {
+    std::vector<std::string> bodies = {"", "{\"a\":\"\n\"}", "{\"ok\":true}\xff"};
+    std::istringstream rest(R"(
+        [] null true 1 ok { "ok" [{"ok":true}] {"ok":true {"ok":true,} {"ok":true}x {"ok":true}{}
+        {'ok':true} {ok:true} {"a":tru} {"a":1.} {"a":+1} {"a":NaN} {"a":1/**/}
+        {"a":{"b":{"c":01}}} {"a":{"b":{"c":[1,]}}} {"a":{"b":{"c":"\x"}}} {"a":{"b":{"c":1})");
+    bodies.insert(bodies.end(), std::istream_iterator<std::string>(rest), {});
+    const std::string lists = R"({"ok":true,"a":)" + std::string(100'000, '[');
+    bodies.push_back(lists);
+    bodies.push_back(lists + std::string(100'000, ']') + "}");
+    std::string objects;
+    for (int level = 0; level < 100'000; ++level) {
+        objects += R"({"ok":)";
+    }
+    bodies.push_back(objects + "1" + std::string(100'000, '}'));
+    for (const std::string& body : bodies) {
+        for (const bool wantsJSON : {false, true}) {
+            const ReplyOutput output = presentReply(200, ByteBuffer(body), wantsJSON);
+            EXPECT_EQ(output.text.view(), "Fernlow's reply could not be read.") << body;
+            EXPECT_TRUE(output.toStandardError) << body;
+            EXPECT_EQ(output.exitStatus, 5) << body;
+        }
+    }
+}
+
+TEST(Document, ReadsDeepNestingOrSaysThatItCannot) {
+    const std::string body = R"({"ok":true,"result":{"entries":[],"x":)" + std::string(900, '[') +
+                             std::string(900, ']') + "}}";
+    for (const bool wantsJSON : {false, true}) {
+        const ReplyOutput output = presentReply(200, ByteBuffer(body), wantsJSON);
+        const std::string read = wantsJSON ? body : "Nothing logged.";
+        EXPECT_EQ(output.text.view(),
+                  output.exitStatus == 0 ? read : "Fernlow's reply could not be read.");
+    }
+}
+
+TEST(Document, KeepsLongTextsAndNumbersWhole) {
+    const std::string x(5000, 'x');
+    const std::string body = R"({"ok":true,"result":{"errorCount":)" + std::string(5000, '7') +
+                             R"(,"applied":{")" + x + "\\u0041" + x + "\":\"" + x + "\\n" + x +
+                             "\"}}}";
+    EXPECT_EQ(presentReply(200, ByteBuffer(body), false).text.view(),
+              "Project-wide:\n  " + x + "A" + x + " = " + x + "\n" + x);
+}
+
+} // namespace
+} // namespace fernlow

@@ -1,0 +1,148 @@
+#include "support/process.h"
+#include "support/scripted_peer.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace fernlow::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Connection = ScriptedPeer::Connection;
+
+constexpr const char* okReply = R"({"ok":true})";
+
+const Outcome done{"Done.\n", "", 0};
+const Outcome notRunning{"",
+                         "Fernlow is not running, or it is not listening for agents. Open Fernlow "
+                         "and try again.\n",
+                         3};
+
+/// A script in place of the program that starts the application. It notes how it was called.
+class Opener {
+public:
+    /// `body` is what else the script does, in its own folder.
+    explicit Opener(const std::string& body = "") {
+        std::ofstream(folder_.file("open")) << "#!/bin/sh\ncd '" << folder_.path() << "'\n"
+                                            << body << "\necho \"$@\" >>calls\n";
+        ::chmod(folder_.file("open").c_str(), 0700);
+    }
+
+    [[nodiscard]] LaunchSettings settings(std::chrono::milliseconds patience) const {
+        return {folder_.file("open"), 10ms, patience};
+    }
+    [[nodiscard]] bool wasCalled() const { return std::filesystem::exists(folder_.file("calls")); }
+    [[nodiscard]] std::string noted(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(folder_.file(name)).rdbuf();
+        return text.str();
+    }
+
+private:
+    TemporaryFolder folder_;
+};
+
+/// Starts the peer as soon as the opener has been called, as the application would start.
+std::thread startWhenOpened(ScriptedPeer& peer, const Opener& opener) {
+    return std::thread([&] {
+        while (!opener.wasCalled()) {
+            std::this_thread::sleep_for(5ms);
+        }
+        peer.start();
+    });
+}
+
+TEST(Launch, startsTheApplicationOnceAndTriesAgain) {
+    const Opener opener;
+    // The first connection is the probe, which closes without a request.
+    ScriptedPeer peer(ScriptedPeer::Later{},
+                      {[](Connection& c) { c.readRequest(); }, answer(reply(okReply))});
+    std::thread starter = startWhenOpened(peer, opener);
+    EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)), done);
+    starter.join();
+    EXPECT_EQ(peer.requests()[0], "");
+    EXPECT_EQ(peer.requests()[1].substr(0, 15), "GET /v1/status ");
+    EXPECT_EQ(opener.noted("calls"), "-g -b com.tarnwick.Fernlow3\n");
+}
+
+TEST(Launch, happensOnlyWhenNobodyListens) {
+    const Opener opener;
+    ScriptedPeer peer({answer(reply(okReply)), answer("not a reply")});
+    EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)), done);
+    EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)).status, 3);
+    peer.requests();
+    EXPECT_EQ(runLine("status --no-launch --socket " + peer.path(), opener.settings(20s)),
+              notRunning);
+    EXPECT_FALSE(opener.wasCalled());
+}
+
+TEST(Launch, givesUpWhenPatienceRunsOut) {
+    const TemporaryFolder folder;
+    const std::string line = "status --socket " + folder.file("none");
+    const Opener opener("exit 1");
+    EXPECT_EQ(runLine(line, opener.settings(50ms)), notRunning);
+    EXPECT_EQ(runLine(line, {folder.file("no-such-program"), 10ms, 50ms}), notRunning);
+}
+
+TEST(Launch, theSecondAttemptIsTheLast) {
+    const Opener opener;
+    ScriptedPeer peer(ScriptedPeer::Later{},
+                      {[](Connection& c) { c.readRequest(); }, [](Connection& c) { c.reset(); }});
+    std::thread starter = startWhenOpened(peer, opener);
+    const auto outcome = runLine("status --socket " + peer.path(), opener.settings(20s));
+    starter.join();
+    EXPECT_EQ(outcome.standardError, "Fernlow stopped answering partway through its reply.\n");
+    EXPECT_EQ(opener.noted("calls"), "-g -b com.tarnwick.Fernlow3\n");
+}
+
+TEST(Launch, closesTheProgramOff) {
+    const Opener opener(R"(
+for n in 0 1 2; do [ /dev/fd/$n -ef /dev/null ] && echo "null $n" >>streams; done
+for n in 3 4 5 6 7 8 9; do
+    if (: >&$n) 2>/dev/null || (: <&$n) 2>/dev/null; then echo "inherited $n" >>streams; fi
+done)");
+    const int inheritable = ::fcntl(::open("/dev/zero", O_RDWR), F_DUPFD, 7);
+    const TemporaryFolder folder;
+    EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)), notRunning);
+    ::close(inheritable);
+    EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
+}
+
+TEST(Launch, waitsForTheProgramEvenWhereItsEndIsIgnored) {
+    const Opener opener("sleep 0.2; echo done >ended");
+    const TemporaryFolder folder;
+    const auto former = std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)), notRunning);
+    std::signal(SIGCHLD, former);
+    EXPECT_EQ(opener.noted("ended"), "done\n");
+}
+
+TEST(Launch, twoRunsMayStartItAtOnce) {
+    const Opener opener;
+    const ScriptedPeer::Script tolerant = [](Connection& connection) {
+        if (!connection.readRequest().empty()) {
+            connection.write(reply(okReply));
+        }
+    };
+    ScriptedPeer peer(ScriptedPeer::Later{}, {tolerant, tolerant, tolerant, tolerant});
+    std::thread starter = startWhenOpened(peer, opener);
+    const auto run = [&] {
+        EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)), done);
+    };
+    std::thread other(run);
+    run();
+    other.join();
+    starter.join();
+}
+
+} // namespace
+} // namespace fernlow::test

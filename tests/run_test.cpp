@@ -1,0 +1,147 @@
+#include "support/process.h"
+#include "support/scripted_peer.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+
+namespace fernlow::test {
+namespace {
+
+constexpr const char* lost = "Fernlow's answer could not be written to standard output.\n";
+
+/// Answers every request alike.
+class AnsweringPeer {
+public:
+    explicit AnsweringPeer(const std::string& body, int times = 1)
+        : peer_(std::vector<ScriptedPeer::Script>(static_cast<std::size_t>(times),
+                                                  answer(reply(body)))) {}
+
+    [[nodiscard]] ProgramRun run(std::vector<std::string> words,
+                                 std::function<void()> prepare = {}) const {
+        words.insert(words.end(), {"--no-launch", "--socket", peer_.path()});
+        return {std::move(words), "/", std::move(prepare)};
+    }
+    const std::vector<std::string>& requests() { return peer_.requests(); }
+
+private:
+    ScriptedPeer peer_;
+};
+
+TEST(Run, answersHelpAndVersionByItself) {
+    const Outcome version{"1\n", "", 0};
+    for (const char* word : {"--version", "-v", "version"}) {
+        EXPECT_EQ(runProgram({{word, "--no-launch", "extra"}}), version) << word;
+    }
+    const Outcome help = runProgram({{"help"}});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.standardOutput.starts_with(
+        "fernlow \u2014 drive Fernlow from the command line.\n\nUSAGE\n"));
+    EXPECT_EQ(runProgram({{"--help", "--json", "frobnicate"}}), help);
+    EXPECT_EQ(runProgram({{"--socket", "/nowhere", "-h"}}), help);
+}
+
+TEST(Run, reportsUsageErrorsWithoutConnecting) {
+    const Outcome noCommand{"", "No command given. Run \"fernlow --help\" to see what there is.\n",
+                            2};
+    EXPECT_EQ(runProgram({{}}), noCommand);
+    EXPECT_EQ(runProgram({{"--json"}}), noCommand);
+    const Outcome unknown{
+        "", "There is no \"Status\" command. Run \"fernlow --help\" to see what there is.\n", 2};
+    EXPECT_EQ(runProgram({{"Status"}}), unknown);
+    const Outcome notText{
+        "", "\"/caf\uFFFD\" is not valid UTF-8, so it cannot be sent to Fernlow.\n", 2};
+    EXPECT_EQ(runProgram({{"process", "/caf\xE9"}}), notText);
+}
+
+TEST(Run, writesRefusalsToStandardErrorInBothForms) {
+    const std::string body = R"({"ok":false,"error":{"message":"No such project."}})";
+    AnsweringPeer peer(body, 2);
+    EXPECT_EQ(runProgram(peer.run({"status"})), (Outcome{"", body + "\n", 5}));
+    auto terminal = peer.run({"status"});
+    terminal.inTerminal = true;
+    EXPECT_EQ(runProgram(terminal), (Outcome{"No such project.\r\n", "", 5}));
+}
+
+TEST(Run, standardStreamsClosed) {
+    const auto closeAll = [] {
+        for (const int stream : {0, 1, 2}) {
+            ::close(stream);
+        }
+    };
+    AnsweringPeer peer(R"({"ok":true})");
+    EXPECT_EQ(runProgram(peer.run({"status"}, closeAll)).status, 1);
+    // Nothing but the request went into the socket, whatever its number was.
+    const std::string& request = peer.requests().front();
+    EXPECT_EQ(request.substr(request.size() - 4), "\r\n\r\n");
+}
+
+TEST(Run, neverLosesAReplySilently) {
+    if (::access("/dev/full", W_OK) != 0) {
+        GTEST_SKIP() << "no /dev/full here";
+    }
+    const auto fillUp = [] { ::dup2(::open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+    const struct {
+        const char* body;
+        int status;
+    } cases[] = {
+        {R"({"ok":true})", 1},
+        {R"({"ok":true,"result":{"errorCount":1}})", 1},
+        {R"({"ok":true,"result":{"timedOut":true}})", 4},
+    };
+    for (const auto& [body, status] : cases) {
+        AnsweringPeer peer(body);
+        EXPECT_EQ(runProgram(peer.run({"status"}, fillUp)), (Outcome{"", lost, status})) << body;
+    }
+    EXPECT_EQ(runProgram({{"help"}, "/", fillUp}), (Outcome{"", lost, 1}));
+}
+
+void leaveNoReader() {
+    std::array<int, 2> pipe{};
+    if (::pipe(pipe.data()) == 0) {
+        ::dup2(pipe[1], STDOUT_FILENO);
+        ::close(pipe[0]);
+    }
+}
+
+TEST(Run, endsTheUsualWayWhenItsReaderHasGone) {
+    AnsweringPeer peer(R"({"ok":true})", 2);
+    EXPECT_EQ(runProgram(peer.run({"status"}, leaveNoReader)).status, -SIGPIPE);
+    const auto ignoringThat = [] {
+        std::signal(SIGPIPE, SIG_IGN);
+        leaveNoReader();
+    };
+    EXPECT_EQ(runProgram(peer.run({"status"}, ignoringThat)), (Outcome{"", lost, 1}));
+}
+
+TEST(Run, waitsForANonBlockingOutput) {
+    const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
+    AnsweringPeer peer(body);
+    const auto makeNonBlocking = [] { ::fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK); };
+    EXPECT_EQ(runProgram(peer.run({"status"}, makeNonBlocking)), (Outcome{body + "\n", "", 0}));
+}
+
+TEST(Run, needsTheCurrentDirectoryOnlyWhereAPathDoes) {
+    const auto deleteFolder = [] {
+        std::string pattern = "/tmp/fernlow-gone-XXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr || ::chdir(pattern.c_str()) != 0 ||
+            ::rmdir(pattern.c_str()) != 0) {
+            ::_exit(126);
+        }
+    };
+    const Outcome unreadable{
+        "", "The current directory cannot be read, so paths cannot be worked out from it.\n", 2};
+    for (const auto& words : {std::vector<std::string>{"build"}, {"process", "a.scss"}}) {
+        EXPECT_EQ(runProgram({words, "/", deleteFolder}), unreadable) << words[0];
+    }
+    AnsweringPeer peer(R"({"ok":true})", 2);
+    EXPECT_EQ(runProgram(peer.run({"status"}, deleteFolder)).status, 0);
+    EXPECT_EQ(runProgram(peer.run({"process", "/a.scss"}, deleteFolder)).status, 0);
+}
+
+} // namespace
+} // namespace fernlow::test

@@ -1,0 +1,53 @@
+#include "support/command_line.h"
+
+#include "cli/invocation.h"
+#include "support/seeds.h"
+
+#include <algorithm>
+#include <exception>
+#include <variant>
+
+namespace fernlow::test {
+
+std::vector<std::string> splitWords(std::string_view line) {
+    std::vector<std::string> words;
+    while (!line.empty()) {
+        if (line.front() == ' ') {
+            line.remove_prefix(1);
+            continue;
+        }
+        const bool quoted = line.front() == '\'';
+        line.remove_prefix(quoted ? 1 : 0);
+        const std::size_t end = std::min(line.find(quoted ? '\'' : ' '), line.size());
+        words.emplace_back(line.substr(0, end));
+        line.remove_prefix(std::min(end + 1, line.size()));
+    }
+    return words;
+}
+
+std::string outcome(std::string_view line, const std::string& currentDirectory) {
+    struct {
+        std::string operator()(const AgentCLIAction::Get& get) const { return "GET " + get.path; }
+        std::string operator()(const AgentCLIAction::Post& post) const {
+            return "POST " + post.path + " " + post.body;
+        }
+        std::string operator()(const AgentCLIAction::Help& /*help*/) const { return "help"; }
+        std::string operator()(const AgentCLIAction::Version& /*version*/) const {
+            return "version";
+        }
+    } const describe;
+    const auto words = splitWords(line);
+    std::string seed;
+    for (const std::string& word : words) {
+        seed += word + "\n";
+    }
+    keepSeed("arguments", seed);
+    try {
+        const auto invocation = parseInvocation(words, CurrentDirectory(currentDirectory), true);
+        return std::visit(describe, invocation.action.kind);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+} // namespace fernlow::test

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace fernlow::test {
+
+/// A new folder with a short path (socket paths are limited), removed with all in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string pattern = "/tmp/fernlow-test-XXXXXX";
+        path_ = ::mkdtemp(pattern.data());
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder(TemporaryFolder&&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+} // namespace fernlow::test

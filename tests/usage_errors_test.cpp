@@ -1,0 +1,236 @@
+#include "cli/help_text.h"
+#include "cli/invocation.h"
+#include "support/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace fernlow::test {
+
+namespace {
+
+struct Case {
+    std::string_view line;
+    std::string expected;
+};
+
+/// Most lines have several faults, and end with the whole message of the first one looked for.
+void expectMessages(std::initializer_list<Case> cases) {
+    for (const auto& [line, expected] : cases) {
+        EXPECT_EQ(outcome(line), expected) << line;
+    }
+}
+
+std::string noSuchCommand(const std::string& command) {
+    return "There is no \"" + command + "\" command. Run \"fernlow --help\" to see what there is.";
+}
+
+std::string notAnOption(const std::string& word) {
+    return "\"" + word + "\" is not an option here. Run \"fernlow --help\" to see what there is.";
+}
+
+std::string notANumber(const std::string& option, const std::string& value) {
+    return "\"" + option + "\" needs a number, and \"" + value + "\" is not one.";
+}
+
+} // namespace
+
+TEST(UsageErrors, Dispatch) {
+    expectMessages({
+        {"--json", R"(No command given. Run "fernlow --help" to see what there is.)"},
+        {"help --socket", R"("--socket" needs a value after it.)"},
+        {"Status", noSuchCommand("Status")},
+        {R"('-x "y"')", noSuchCommand(R"(-x "y")")},
+        {"status y -x", R"("y" was not expected here.)"},
+        {"projects -x y", notAnOption("-x")},
+        {"schema ''", R"("" was not expected here.)"},
+        {"remove", R"("remove" needs a path.)"},
+        {"enable a --x --y", notAnOption("--x")},
+    });
+}
+
+TEST(UsageErrors, Work) {
+    expectMessages({
+        {"process", R"("process" needs a path.)"},
+        {"process --x --timeout y --settle 2.5", notANumber("--settle", "2.5")},
+        {"process --x --timeout y", notANumber("--timeout", "y")},
+        {"process --settle --timeout 5", notANumber("--settle", "--timeout")},
+        {"process a --settle", notAnOption("--settle")},
+        {"process --exactly --exactly a", notAnOption("--exactly")},
+        {"wait x --timeout y --settle z --since -1", notANumber("--since", "-1")},
+        {"wait x --timeout y --settle z", notANumber("--settle", "z")},
+        {"wait x --timeout y", notANumber("--timeout", "y")},
+        {"wait --since 1 --since 2", notAnOption("--since")},
+        {"wait -x y", notAnOption("-x")},
+        {"log x --limit ten --since -1", notANumber("--since", "-1")},
+        {"log x --limit ten", notANumber("--limit", "ten")},
+        {"log x --settle 1", R"("x" was not expected here.)"},
+        {"log --project --json", notAnOption("--project")},
+        {"build --x --timeout y", notANumber("--timeout", "y")},
+        {"build --settle 5", notAnOption("--settle")},
+        {"refresh --all --x", notAnOption("--x")},
+        {"optimize", R"("optimize" needs a path.)"},
+        {"check --no-wait", R"("check" needs a path.)"},
+        {"check --settle 5", notAnOption("--settle")},
+    });
+}
+
+TEST(UsageErrors, Numbers) {
+    for (const std::string word : {"''", "' 5'", "'5 '", "5s", "+-5", "0x10", "1e", "1,5", "."}) {
+        EXPECT_EQ(outcome("build --timeout " + word),
+                  notANumber("--timeout", splitWords(word).front()));
+    }
+    for (const std::string word : {"''", "' 5'", "5x", "+", "+-5", "1.0", "9223372036854775808"}) {
+        EXPECT_EQ(outcome("log --limit " + word), notANumber("--limit", splitWords(word).front()));
+    }
+}
+
+TEST(UsageErrors, ProjectsAndGroups) {
+    expectMessages({
+        {"add --timeout 5", notAnOption("--timeout")},
+        {"watch -x", R"("watch" needs a value after it.)"},
+        {"watch stop extra", R"("extra" was not expected here.)"},
+        {"watch Pause", noSuchCommand("watch Pause")},
+        {"groups --name", notAnOption("--name")},
+        {"groups add '' Blog", R"("a group name for "groups add"" needs a value after it.)"},
+        {"groups remove", R"("a group name for "groups remove"" needs a value after it.)"},
+        {"groups rename", R"("a group name for "groups rename"" needs a value after it.)"},
+        {"groups rename Old", R"("a new name for "Old"" needs a value after it.)"},
+        {"groups rename Old '' New", R"("a new name for "Old"" needs a value after it.)"},
+        {"groups delete Blog", noSuchCommand("groups delete")},
+        {"move a --group", notAnOption("--group")},
+        {"rename --x --name", R"("--name" needs a value after it.)"},
+    });
+}
+
+TEST(UsageErrors, PackagesAndPreview) {
+    expectMessages({
+        {"packages x --save-to y --install 'bundle, z '", notANumber("--install", " z ")},
+        {"packages x --timeout y --save-to production,,z", notANumber("--save-to", "")},
+        {"packages install --save-to 'bundle\n'", notANumber("--save-to", "bundle\n")},
+        {"packages x --timeout y", notANumber("--timeout", "y")},
+        {"packages prune --global", notAnOption("--global")},
+        {"packages --global", R"("packages" needs a value after it.)"},
+        {"packages Install --global", noSuchCommand("packages Install")},
+        {"packages install -g --path", notAnOption("--path")},
+        {"preview x --address y", R"("x" was not expected here.)"},
+        {"preview --address LAN", notANumber("--address", "LAN")},
+    });
+}
+
+TEST(UsageErrors, SettingsAndDefaults) {
+    expectMessages({
+        {"settings frobnicate --x", noSuchCommand("settings frobnicate")},
+        {"settings ./x set a=b", noSuchCommand("settings ./x")},
+        {"settings --path /x", noSuchCommand("settings /x")},
+        {"settings ./x --path", notAnOption("--path")},
+        {"settings set word --path", notAnOption("--path")},
+        {"settings set =x word --values [", R"("=x" was not expected here.)"},
+        {"settings set word =x", R"("word" was not expected here.)"},
+        {"settings set a=b --values [", notANumber("--values", "[")},
+        {"settings set --values {}", R"("settings set" needs a value after it.)"},
+        {"settings schema --language a --language b", notAnOption("--language")},
+        {"settings apply-output-paths --x", R"("--language" needs a value after it.)"},
+        {"settings apply-output-paths --language a --x", notAnOption("--x")},
+        {"defaults -x", notAnOption("-x")},
+        {"defaults --extension x", noSuchCommand("defaults x")},
+        {"defaults ./x", noSuchCommand("defaults ./x")},
+        {"defaults schema x", R"("x" was not expected here.)"},
+        {"defaults set word --values [", R"("word" was not expected here.)"},
+        {"defaults set", R"("defaults set" needs a value after it.)"},
+    });
+}
+
+TEST(UsageErrors, TypedValues) {
+    for (const std::string text : {"", "[]", "null", "{}x", R"({"a":{}})", R"({"a":[1]})",
+                                   R"({"a":["b",null]})", R"({"a":1,})", "{\"a\":\"\xff\"}"}) {
+        EXPECT_EQ(outcome("defaults set k=v --values '" + text + "'"),
+                  notANumber("--values", text));
+    }
+}
+
+TEST(UsageErrors, Files) {
+    expectMessages({
+        {"files x --timeout y --offset z --limit w", notANumber("--limit", "w")},
+        {"files x --timeout y --offset z", notANumber("--offset", "z")},
+        {"files x --timeout y", notANumber("--timeout", "y")},
+        {"files x --y", noSuchCommand("files x")},
+        {"files ./x skip", noSuchCommand("files ./x")},
+        {"files --folders --folders --action x", notAnOption("--folders")},
+        {"files --action Copy", notANumber("--action", "Copy")},
+        {"files settings", R"("files settings" needs a path.)"},
+        {"files skip", R"("files skip" needs a path.)"},
+        {"files unskip", R"("files unskip" needs a path.)"},
+        {"files schema", R"("files schema" needs a value after it.)"},
+        {"files set --x", notAnOption("--x")},
+        {"files set =x --values [", R"("files set" needs a path.)"},
+        {"files set a b =x c --values [", R"("b" was not expected here.)"},
+        {"files set a =x --values [", R"("=x" was not expected here.)"},
+        {"files set a --values [ --action x", notANumber("--values", "[")},
+        {"files set a --values {} --output-name x", R"("files set" needs a value after it.)"},
+        {"files set a --action x", notANumber("--action", "x")},
+    });
+}
+
+TEST(UsageErrors, Collections) {
+    expectMessages({
+        {"collections x --position y", notANumber("--position", "y")},
+        {"collections x --y", noSuchCommand("collections x")},
+        {"collections ./x y", noSuchCommand("collections ./x")},
+        {"collections --kind x --y", notAnOption("--y")},
+        {"collections --kind Hooks", notANumber("--kind", "Hooks")},
+        {"collections add --type x --values [", R"("--kind" needs a value after it.)"},
+        {"collections add --kind x --type y", notANumber("--kind", "x")},
+        {"collections add --kind hooks --values [ --type y", notANumber("--type", "y")},
+        {"collections add --kind hooks --values [", notANumber("--values", "[")},
+        {"collections remove --kind", notAnOption("--kind")},
+        {"collections remove", R"("--kind" needs a value after it.)"},
+        {"collections remove --kind hooks --id ''", R"("--id" needs a value after it.)"},
+        {"collections move --x", R"("--position" needs a value after it.)"},
+        {"collections move --position 1 --x", notAnOption("--x")},
+        {"collections move --position 1", R"("--kind" needs a value after it.)"},
+        {"collections move --position 1 --kind hooks", R"("--id" needs a value after it.)"},
+        {"collections set ./x --values [", R"("./x" was not expected here.)"},
+        {"collections set --values [", notANumber("--values", "[")},
+        {"collections set --values {}", R"("collections set" needs a value after it.)"},
+        {"collections set a=b", R"("--kind" needs a value after it.)"},
+        {"collections set a=b --kind hooks", R"("--id" needs a value after it.)"},
+        {"collections schema x --kind y", R"("x" was not expected here.)"},
+        {"collections schema --kind y", notANumber("--kind", "y")},
+    });
+}
+
+TEST(UsageErrors, WordsThatCannotBeWritten) {
+    const std::string infinite =
+        R"("timeoutSeconds" must be a finite number to be sent to Fernlow.)";
+    expectMessages({
+        {"files skip a --timeout nan", infinite},
+        {"files unskip a --timeout 1e999", infinite},
+        {"log --project \xff!", "\"\uFFFD!\" is not valid UTF-8, so it cannot be sent to Fernlow."},
+    });
+}
+
+TEST(HelpText, NamesTheDefaults) {
+    const std::string text = usageText();
+    EXPECT_NE(text.find("\n  --timeout <seconds>        How long to wait. Default 600.\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("\n  --settle <milliseconds>    Pause before deciding nothing is happening."
+                        " Default 400.\n"),
+              std::string::npos);
+}
+
+TEST(HelpText, ListsEveryCommand) {
+    const std::string text = usageText();
+    const auto start = text.find("\nCOMMANDS\n");
+    const auto commands = text.substr(start, text.find("\nOPTIONS\n") - start);
+    for (const std::string_view word : commandWords()) {
+        if (!word.starts_with("-") && word != "help" && word != "version") {
+            EXPECT_NE(commands.find("\n  " + std::string(word) + " "), std::string::npos) << word;
+        }
+    }
+}
+
+} // namespace fernlow::test
