@@ -68,7 +68,7 @@ private:
     StandIn standIn_{socket()};
 };
 
-TEST_F(EndToEnd, speaksTextToATerminalAndJsonToAPipe) {
+TEST_F(EndToEnd, SpeaksTextToATerminalAndJsonToAPipe) {
     EXPECT_EQ(seen("status"), "Projects: 0    Frameworks: 0\n"
                               "Indexing: no    Compiling: no    Watching: on\n"
                               "Log cursor: 0\n[0]");
@@ -79,7 +79,7 @@ TEST_F(EndToEnd, speaksTextToATerminalAndJsonToAPipe) {
                                   "see what there is.\n[2]");
 }
 
-TEST_F(EndToEnd, walksThroughAProjectsWholeLife) {
+TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("build"), "There is no project at SITE.\n[5]");
     EXPECT_EQ(seen("add"), "Done.\n[0]");
     EXPECT_EQ(seen("rename --name 'My site'"), "Done.\n[0]");
@@ -133,7 +133,7 @@ TEST_F(EndToEnd, walksThroughAProjectsWholeLife) {
 }
 
 /// Every endpoint that the stand-in knows is one that a command can reach.
-TEST_F(EndToEnd, reachesEveryEndpoint) {
+TEST_F(EndToEnd, ReachesEveryEndpoint) {
     const char* const lines[] = {
         "status",
         "projects",

@@ -32,7 +32,7 @@ Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
     return runLine("--no-launch --socket " + peer.path() + " " + line);
 }
 
-TEST(Exchange, sendsExactlyTheRequest) {
+TEST(Exchange, SendsExactlyTheRequest) {
     ScriptedPeer peer({answer(reply(R"({"ok":true})")), answer(reply(R"({"ok":true})"))});
     EXPECT_EQ(runAgainst(peer, "status"), done);
     EXPECT_EQ(runAgainst(peer, "remove 'caf\u00e9'"), done);
@@ -45,7 +45,7 @@ TEST(Exchange, sendsExactlyTheRequest) {
               "Connection: close\r\n\r\n{\"path\":\"/p/src/caf\u00e9\"}");
 }
 
-TEST(Exchange, framesReplies) {
+TEST(Exchange, FramesReplies) {
     const struct {
         std::string bytes;
         Outcome expected;
@@ -72,13 +72,13 @@ TEST(Exchange, framesReplies) {
     }
 }
 
-TEST(Exchange, readsTheStatusCode) {
+TEST(Exchange, ReadsTheStatusCode) {
     EXPECT_EQ(parseReply(ByteBuffer("HTTP/1.1  404  Not Found\r\n\r\nbody")).statusCode, 404);
     EXPECT_EQ(parseReply(ByteBuffer("x +7\r\n\r\n")).statusCode, 7);
     EXPECT_EQ(parseReply(ByteBuffer("x -7\r\n\r\n")).statusCode, -7);
 }
 
-TEST(Exchange, survivesHostilePeers) {
+TEST(Exchange, SurvivesHostilePeers) {
     const std::string good = reply(R"({"ok":true})");
     const struct {
         const char* what;
@@ -123,19 +123,19 @@ TEST(Exchange, survivesHostilePeers) {
     }
 }
 
-TEST(Exchange, writesMegabytesWhateverTheirPace) {
+TEST(Exchange, WritesMegabytesWhateverTheirPace) {
     const std::string path(3U << 20U, 'x');
     ScriptedPeer peer({answer(reply(R"({"ok":true})"))});
     EXPECT_EQ(runAgainst(peer, "process /" + path), done);
     EXPECT_NE(peer.requests()[0].find("{\"paths\":[\"/" + path + "\"],"), std::string::npos);
 }
 
-TEST(Exchange, endsWithAMessageWhenThePeerClosesDuringTheRequest) {
+TEST(Exchange, EndsWithAMessageWhenThePeerClosesDuringTheRequest) {
     ScriptedPeer peer({[](Connection& connection) { connection.reset(); }});
     EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
 }
 
-TEST(Exchange, givesUpOnASilentPeer) {
+TEST(Exchange, GivesUpOnASilentPeer) {
     // Of all commands this one lets the timeout be negative, and the socket's is never under 5.
     ScriptedPeer peer({[](Connection& connection) {
         connection.readRequest();
@@ -144,7 +144,7 @@ TEST(Exchange, givesUpOnASilentPeer) {
     EXPECT_EQ(runAgainst(peer, "files skip vendor --timeout -100"), readFailed);
 }
 
-TEST(Exchange, stopsAPeerThatNeverStopsSending) {
+TEST(Exchange, StopsAPeerThatNeverStopsSending) {
     ScriptedPeer peer({[](Connection& connection) {
         connection.readRequest();
         connection.write("HTTP/1.1 200 OK\r\n\r\n");
@@ -156,7 +156,7 @@ TEST(Exchange, stopsAPeerThatNeverStopsSending) {
     EXPECT_EQ(runAgainst(peer, "status"), malformed);
 }
 
-TEST(Exchange, findsNobodyListening) {
+TEST(Exchange, FindsNobodyListening) {
     const TemporaryFolder folder;
     ::close(::open(folder.file("regular").c_str(), O_CREAT | O_WRONLY, 0600));
     std::string abandoned;
@@ -173,7 +173,7 @@ TEST(Exchange, findsNobodyListening) {
     }
 }
 
-TEST(Exchange, limitsTheSocketPathInBytes) {
+TEST(Exchange, LimitsTheSocketPathInBytes) {
     const std::string longest(103, 'x');
     std::string twoBytesEach;
     for (int count = 0; count < 60; ++count) {
@@ -188,7 +188,7 @@ TEST(Exchange, limitsTheSocketPathInBytes) {
     }
 }
 
-TEST(Exchange, readsTheReplyTimeoutBack) {
+TEST(Exchange, ReadsTheReplyTimeoutBack) {
     const struct {
         std::string_view body;
         double seconds;
@@ -208,7 +208,7 @@ TEST(Exchange, readsTheReplyTimeoutBack) {
     }
 }
 
-TEST(Exchange, setsTheSocketTimeouts) {
+TEST(Exchange, SetsTheSocketTimeouts) {
     const struct {
         double replyTimeout;
         long least;
@@ -247,7 +247,7 @@ std::vector<int> openDescriptors() {
     return open;
 }
 
-TEST(Exchange, leaksNoDescriptor) {
+TEST(Exchange, LeaksNoDescriptor) {
     const auto before = openDescriptors();
     {
         ScriptedPeer peer({answer(reply(R"({"ok":true})")), answer("no reply"),

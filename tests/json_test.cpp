@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace fernlow {
+namespace fernlow::test {
 namespace {
 
 using namespace std::string_view_literals;
@@ -183,4 +183,4 @@ TEST(Document, KeepsLongTextsAndNumbersWhole) {
 }
 
 } // namespace
-} // namespace fernlow
+} // namespace fernlow::test

@@ -61,7 +61,7 @@ std::thread startWhenOpened(ScriptedPeer& peer, const Opener& opener) {
     });
 }
 
-TEST(Launch, startsTheApplicationOnceAndTriesAgain) {
+TEST(Launch, StartsTheApplicationOnceAndTriesAgain) {
     const Opener opener;
     // The first connection is the probe, which closes without a request.
     ScriptedPeer peer(ScriptedPeer::Later{},
@@ -74,7 +74,7 @@ TEST(Launch, startsTheApplicationOnceAndTriesAgain) {
     EXPECT_EQ(opener.noted("calls"), "-g -b com.tarnwick.Fernlow3\n");
 }
 
-TEST(Launch, happensOnlyWhenNobodyListens) {
+TEST(Launch, HappensOnlyWhenNobodyListens) {
     const Opener opener;
     ScriptedPeer peer({answer(reply(okReply)), answer("not a reply")});
     EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)), done);
@@ -85,7 +85,7 @@ TEST(Launch, happensOnlyWhenNobodyListens) {
     EXPECT_FALSE(opener.wasCalled());
 }
 
-TEST(Launch, givesUpWhenPatienceRunsOut) {
+TEST(Launch, GivesUpWhenPatienceRunsOut) {
     const TemporaryFolder folder;
     const std::string line = "status --socket " + folder.file("none");
     const Opener opener("exit 1");
@@ -93,7 +93,7 @@ TEST(Launch, givesUpWhenPatienceRunsOut) {
     EXPECT_EQ(runLine(line, {folder.file("no-such-program"), 10ms, 50ms}), notRunning);
 }
 
-TEST(Launch, theSecondAttemptIsTheLast) {
+TEST(Launch, TheSecondAttemptIsTheLast) {
     const Opener opener;
     ScriptedPeer peer(ScriptedPeer::Later{},
                       {[](Connection& c) { c.readRequest(); }, [](Connection& c) { c.reset(); }});
@@ -104,7 +104,7 @@ TEST(Launch, theSecondAttemptIsTheLast) {
     EXPECT_EQ(opener.noted("calls"), "-g -b com.tarnwick.Fernlow3\n");
 }
 
-TEST(Launch, closesTheProgramOff) {
+TEST(Launch, ClosesTheProgramOff) {
     const Opener opener(R"(
 for n in 0 1 2; do [ /dev/fd/$n -ef /dev/null ] && echo "null $n" >>streams; done
 for n in 3 4 5 6 7 8 9; do
@@ -117,7 +117,7 @@ done)");
     EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
 }
 
-TEST(Launch, waitsForTheProgramEvenWhereItsEndIsIgnored) {
+TEST(Launch, WaitsForTheProgramEvenWhereItsEndIsIgnored) {
     const Opener opener("sleep 0.2; echo done >ended");
     const TemporaryFolder folder;
     const auto former = std::signal(SIGCHLD, SIG_IGN);
@@ -126,7 +126,7 @@ TEST(Launch, waitsForTheProgramEvenWhereItsEndIsIgnored) {
     EXPECT_EQ(opener.noted("ended"), "done\n");
 }
 
-TEST(Launch, twoRunsMayStartItAtOnce) {
+TEST(Launch, TwoRunsMayStartItAtOnce) {
     const Opener opener;
     const ScriptedPeer::Script tolerant = [](Connection& connection) {
         if (!connection.readRequest().empty()) {

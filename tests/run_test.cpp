@@ -32,7 +32,7 @@ private:
     ScriptedPeer peer_;
 };
 
-TEST(Run, answersHelpAndVersionByItself) {
+TEST(Run, AnswersHelpAndVersionByItself) {
     const Outcome version{"1\n", "", 0};
     for (const char* word : {"--version", "-v", "version"}) {
         EXPECT_EQ(runProgram({{word, "--no-launch", "extra"}}), version) << word;
@@ -45,7 +45,7 @@ TEST(Run, answersHelpAndVersionByItself) {
     EXPECT_EQ(runProgram({{"--socket", "/nowhere", "-h"}}), help);
 }
 
-TEST(Run, reportsUsageErrorsWithoutConnecting) {
+TEST(Run, ReportsUsageErrorsWithoutConnecting) {
     const Outcome noCommand{"", "No command given. Run \"fernlow --help\" to see what there is.\n",
                             2};
     EXPECT_EQ(runProgram({{}}), noCommand);
@@ -58,7 +58,7 @@ TEST(Run, reportsUsageErrorsWithoutConnecting) {
     EXPECT_EQ(runProgram({{"process", "/caf\xE9"}}), notText);
 }
 
-TEST(Run, writesRefusalsToStandardErrorInBothForms) {
+TEST(Run, WritesRefusalsToStandardErrorInBothForms) {
     const std::string body = R"({"ok":false,"error":{"message":"No such project."}})";
     AnsweringPeer peer(body, 2);
     EXPECT_EQ(runProgram(peer.run({"status"})), (Outcome{"", body + "\n", 5}));
@@ -67,7 +67,7 @@ TEST(Run, writesRefusalsToStandardErrorInBothForms) {
     EXPECT_EQ(runProgram(terminal), (Outcome{"No such project.\r\n", "", 5}));
 }
 
-TEST(Run, standardStreamsClosed) {
+TEST(Run, StandardStreamsClosed) {
     const auto closeAll = [] {
         for (const int stream : {0, 1, 2}) {
             ::close(stream);
@@ -80,7 +80,7 @@ TEST(Run, standardStreamsClosed) {
     EXPECT_EQ(request.substr(request.size() - 4), "\r\n\r\n");
 }
 
-TEST(Run, neverLosesAReplySilently) {
+TEST(Run, NeverLosesAReplySilently) {
     if (::access("/dev/full", W_OK) != 0) {
         GTEST_SKIP() << "no /dev/full here";
     }
@@ -108,7 +108,7 @@ void leaveNoReader() {
     }
 }
 
-TEST(Run, endsTheUsualWayWhenItsReaderHasGone) {
+TEST(Run, EndsTheUsualWayWhenItsReaderHasGone) {
     AnsweringPeer peer(R"({"ok":true})", 2);
     EXPECT_EQ(runProgram(peer.run({"status"}, leaveNoReader)).status, -SIGPIPE);
     const auto ignoringThat = [] {
@@ -118,14 +118,14 @@ TEST(Run, endsTheUsualWayWhenItsReaderHasGone) {
     EXPECT_EQ(runProgram(peer.run({"status"}, ignoringThat)), (Outcome{"", lost, 1}));
 }
 
-TEST(Run, waitsForANonBlockingOutput) {
+TEST(Run, WaitsForANonBlockingOutput) {
     const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
     AnsweringPeer peer(body);
     const auto makeNonBlocking = [] { ::fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK); };
     EXPECT_EQ(runProgram(peer.run({"status"}, makeNonBlocking)), (Outcome{body + "\n", "", 0}));
 }
 
-TEST(Run, needsTheCurrentDirectoryOnlyWhereAPathDoes) {
+TEST(Run, NeedsTheCurrentDirectoryOnlyWhereAPathDoes) {
     const auto deleteFolder = [] {
         std::string pattern = "/tmp/fernlow-gone-XXXXXX";
         if (::mkdtemp(pattern.data()) == nullptr || ::chdir(pattern.c_str()) != 0 ||

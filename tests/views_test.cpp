@@ -1,4 +1,5 @@
 #include "render/reply.h"
+#include "support/seeds.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace fernlow {
+namespace fernlow::test {
 namespace {
 
 constexpr std::string_view idle = "Projects: 0    Frameworks: 0\n"
@@ -35,6 +36,7 @@ struct ViewCase {
 };
 
 void expectPresented(const Case& expected, bool wantsJSON, std::int64_t statusCode = 200) {
+    keepSeed("presentation", expected.reply);
     const ReplyOutput output = presentReply(statusCode, ByteBuffer(expected.reply), wantsJSON);
     EXPECT_EQ(output.text.view(), expected.text) << expected.reply;
     EXPECT_EQ(output.toStandardError, expected.stream == Stream::err) << expected.reply;
@@ -288,4 +290,4 @@ TEST(FilesView, TagsCountsAndPages) {
 }
 
 } // namespace
-} // namespace fernlow
+} // namespace fernlow::test
