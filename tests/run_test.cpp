@@ -127,9 +127,9 @@ TEST(Run, WaitsForANonBlockingOutput) {
 
 TEST(Run, NeedsTheCurrentDirectoryOnlyWhereAPathDoes) {
     const auto deleteFolder = [] {
-        std::string pattern = "/tmp/fernlow-gone-XXXXXX";
-        if (::mkdtemp(pattern.data()) == nullptr || ::chdir(pattern.c_str()) != 0 ||
-            ::rmdir(pattern.c_str()) != 0) {
+        std::array<char, 32> pattern{"/tmp/fernlow-gone-XXXXXX"};
+        if (::mkdtemp(pattern.data()) == nullptr || ::chdir(pattern.data()) != 0 ||
+            ::rmdir(pattern.data()) != 0) {
             ::_exit(126);
         }
     };

@@ -57,28 +57,39 @@ int waitFor(pid_t process) {
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-[[noreturn]] void become(const ProgramRun& run) {
-    std::vector<std::string> words{FERNLOW_PROGRAM};
-    words.insert(words.end(), run.arguments.begin(), run.arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words) {
-        argv.push_back(word.data());
-    }
-    argv.push_back(nullptr);
-    if (::chdir(run.folder.c_str()) == 0) {
-        if (run.prepare) {
-            run.prepare();
+/// The new process's side of a run. Between fork and exec nothing may be allocated: another thread
+/// (a scripted peer) may have held the allocator's lock when the process was forked.
+class Child {
+public:
+    explicit Child(const ProgramRun& run) : run_(run), words_{FERNLOW_PROGRAM} {
+        words_.insert(words_.end(), run.arguments.begin(), run.arguments.end());
+        for (std::string& word : words_) {
+            argv_.push_back(word.data());
         }
-        ::execv(argv.front(), argv.data());
+        argv_.push_back(nullptr);
     }
-    ::_exit(127);
-}
 
-Outcome runInTerminal(const ProgramRun& run) {
+    [[noreturn]] void become() const {
+        if (::chdir(run_.folder.c_str()) == 0) {
+            if (run_.prepare) {
+                run_.prepare();
+            }
+            ::execv(argv_.front(), argv_.data());
+        }
+        ::_exit(127);
+    }
+
+private:
+    const ProgramRun& run_;
+    std::vector<std::string> words_;
+    std::vector<char*> argv_;
+};
+
+Outcome runInTerminal(const Child& child) {
     int terminal = -1;
     const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
     if (process == 0) {
-        become(run);
+        child.become();
     }
     Outcome outcome;
     outcome.standardOutput = readAll(terminal);
@@ -110,24 +121,26 @@ Outcome runLine(std::string_view line, LaunchSettings launch) {
 }
 
 Outcome runProgram(const ProgramRun& run) {
+    const Child child(run);
     if (run.inTerminal) {
-        return runInTerminal(run);
+        return runInTerminal(child);
     }
     const TemporaryFolder folder;
+    const int error = openForWriting(folder.file("err"));
     std::array<int, 2> output{};
     if (::pipe(output.data()) != 0) {
         throw std::runtime_error("no pipe");
     }
     const pid_t process = ::fork();
     if (process == 0) {
-        const int error = openForWriting(folder.file("err"));
         ::dup2(output[1], STDOUT_FILENO);
         ::dup2(error, STDERR_FILENO);
         ::close(output[0]);
         ::close(output[1]);
-        become(run);
+        child.become();
     }
     ::close(output[1]);
+    ::close(error);
     Outcome outcome;
     outcome.standardOutput = readAll(output[0]);
     ::close(output[0]);

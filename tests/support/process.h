@@ -27,7 +27,8 @@ Outcome runLine(std::string_view line, LaunchSettings launch = {});
 struct ProgramRun {
     std::vector<std::string> arguments;
     std::string folder = "/";
-    /// Called in the new process before the program is started, to spoil something.
+    /// Called in the new process before the program is started, to spoil something. It must not
+    /// allocate.
     std::function<void()> prepare{};
     /// Standard output and standard error are one pseudo-terminal instead of two pipes; its text
     /// stands in the outcome's standardOutput.
