@@ -8,9 +8,13 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace fernlow::test {
@@ -27,6 +31,12 @@ const Outcome readFailed{"", "Fernlow stopped answering partway through its repl
 const Outcome malformed{
     "", "Something answered on Fernlow's socket, but not with a reply Fernlow would send.\n", 3};
 const Outcome done{"Done.\n", "", 0};
+// Closing with unread bytes resets the peer's side on Linux; on macOS it is an end like any other.
+#ifdef __APPLE__
+const Outcome& afterReset = malformed;
+#else
+const Outcome& afterReset = readFailed;
+#endif
 
 Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
     return runLine("--no-launch --socket " + peer.path() + " " + line);
@@ -90,7 +100,7 @@ TEST(Exchange, SurvivesHostilePeers) {
         {"closes within the body",
          answer(reply(R"({"ok":tr)")),
          {"", "Fernlow's reply could not be read.\n", 5}},
-        {"resets", [](Connection& c) { c.reset(); }, readFailed},
+        {"resets", [](Connection& c) { c.reset(); }, afterReset},
         {"trickles",
          [&good](Connection& c) {
              c.readRequest();
@@ -135,13 +145,53 @@ TEST(Exchange, EndsWithAMessageWhenThePeerClosesDuringTheRequest) {
     EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
 }
 
-TEST(Exchange, GivesUpOnASilentPeer) {
+TEST(Exchange, GivesUpOnAPeerThatStalls) {
     // Of all commands this one lets the timeout be negative, and the socket's is never under 5.
-    ScriptedPeer peer({[](Connection& connection) {
+    const std::string command = "files skip --timeout -100 vendor";
+    const struct {
+        ScriptedPeer::Script script;
+        std::string line;
+        Outcome expected;
+    } cases[] = {
+        {[](Connection& c) { c.readRequest(); }, command, readFailed},
+        {[](Connection& c) {
+             c.readRequest();
+             c.write("HTTP/1.1 200 OK\r\n\r\n{\"ok\":");
+         },
+         command, readFailed},
+        {[](Connection& c) { c.awaitFirstByte(); }, command + std::string(8U << 20U, 'x'),
+         writeFailed},
+    };
+    std::vector<std::thread> runs;
+    for (const auto& each : cases) {
+        runs.emplace_back([&each] {
+            ScriptedPeer peer({[&each](Connection& connection) {
+                each.script(connection);
+                connection.waitUntilGone();
+            }});
+            EXPECT_EQ(runAgainst(peer, each.line), each.expected);
+        });
+    }
+    for (std::thread& run : runs) {
+        run.join();
+    }
+}
+
+TEST(Exchange, TreatsAnInterruptedReadAsAFailure) {
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int /*signal*/) {};
+    struct sigaction former {};
+    ::sigaction(SIGUSR1, &interrupting, &former);
+    const pthread_t client = ::pthread_self();
+    ScriptedPeer peer({[client](Connection& connection) {
         connection.readRequest();
-        connection.waitForClose();
+        while (!connection.isGone()) {
+            ::pthread_kill(client, SIGUSR1);
+        }
     }});
-    EXPECT_EQ(runAgainst(peer, "files skip vendor --timeout -100"), readFailed);
+    EXPECT_EQ(runAgainst(peer, "status"), readFailed);
+    peer.requests();
+    ::sigaction(SIGUSR1, &former, nullptr);
 }
 
 TEST(Exchange, StopsAPeerThatNeverStopsSending) {
@@ -167,25 +217,33 @@ TEST(Exchange, FindsNobodyListening) {
         abandoned = peer.path();
         EXPECT_EQ(runAgainst(peer, "status"), notRunning) << "a socket without a listener";
     }
+#ifdef __linux__
+    // An abstract address of nothing but zero bytes is what an empty path would reach here.
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un nameless{};
+    nameless.sun_family = AF_UNIX;
+    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&nameless), sizeof nameless), 0);
+    ASSERT_EQ(::listen(listener, 1), 0);
+#endif
     for (const std::string& path : {abandoned, folder.file("regular"), folder.path(),
                                     folder.file("no/such"), std::string("''")}) {
         EXPECT_EQ(runLine("status --no-launch --socket " + path), notRunning) << path;
     }
+#ifdef __linux__
+    ::close(listener);
+#endif
 }
 
-TEST(Exchange, LimitsTheSocketPathInBytes) {
-    const std::string longest(103, 'x');
-    std::string twoBytesEach;
-    for (int count = 0; count < 60; ++count) {
-        twoBytesEach += "\u00e9";
-    }
-    EXPECT_EQ(runLine("status --no-launch --socket " + longest), notRunning);
-    for (const std::string& path : {longest + "x", twoBytesEach}) {
-        // Not a reason to start the application: the script would say so.
-        const Outcome tooLong{
-            "", "That socket path is too long. The limit is 103 characters:\n\n" + path + "\n", 3};
-        EXPECT_EQ(runLine("status --socket " + path), tooLong);
-    }
+TEST(Exchange, FindsNobodyWhereItHasNoPermission) {
+    ScriptedPeer peer({answer(reply(R"({"ok":true})"))});
+    ::chmod(peer.path().c_str(), 0);
+    // Root is never refused, so it becomes nobody for a while.
+    const uid_t user = ::geteuid();
+    constexpr uid_t nobody = 65534;
+    ASSERT_TRUE(user != 0 || ::seteuid(nobody) == 0);
+    const Outcome outcome = runAgainst(peer, "status");
+    ASSERT_TRUE(user != 0 || ::seteuid(user) == 0);
+    EXPECT_EQ(outcome, notRunning);
 }
 
 TEST(Exchange, ReadsTheReplyTimeoutBack) {
@@ -211,29 +269,33 @@ TEST(Exchange, ReadsTheReplyTimeoutBack) {
 TEST(Exchange, SetsTheSocketTimeouts) {
     const struct {
         double replyTimeout;
-        long least;
-        long most;
-    } cases[] = {
-        {600, 630, 630},
-        {10.9, 40, 40},
-        {-100, 5, 5},
-        {1e300, 1000000, -1},
-    };
-    for (const auto& [replyTimeout, least, most] : cases) {
+        long seconds;
+    } cases[] = {{600, 630}, {10.9, 40}, {-100, 5}, {1e300, 1000000000}};
+    for (const auto& [replyTimeout, seconds] : cases) {
         ScriptedPeer peer({[](Connection& connection) { connection.waitForClose(); }});
         const auto socket = AgentSocketClient::connect(peer.path(), replyTimeout);
         for (const int option : {SO_RCVTIMEO, SO_SNDTIMEO}) {
             timeval timeout{};
             socklen_t size = sizeof timeout;
             ::getsockopt(socket.get(), SOL_SOCKET, option, &timeout, &size);
-            if (most < 0) {
-                // No timeout at all is how the system reports one beyond what it counts.
-                EXPECT_TRUE(timeout.tv_sec == 0 || timeout.tv_sec > least) << timeout.tv_sec;
-            } else {
-                EXPECT_EQ(timeout.tv_sec, least);
-            }
+            EXPECT_EQ(timeout.tv_sec, seconds) << replyTimeout;
         }
     }
+}
+
+TEST(Exchange, NeverUsesAStandardStreamsNumber) {
+    ScriptedPeer peer({[](Connection& connection) { connection.waitForClose(); }});
+    const std::string path = peer.path();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        for (const int stream : {0, 1, 2}) {
+            ::close(stream);
+        }
+        ::_exit(AgentSocketClient::connect(path, 0).get());
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_GT(WEXITSTATUS(status), 2);
 }
 
 /// The descriptors that are open in this process.
@@ -255,7 +317,7 @@ TEST(Exchange, LeaksNoDescriptor) {
                            [](Connection& connection) { connection.reset(); }});
         EXPECT_EQ(runAgainst(peer, "status"), done);
         EXPECT_EQ(runAgainst(peer, "status"), malformed);
-        EXPECT_EQ(runAgainst(peer, "status"), readFailed);
+        EXPECT_EQ(runAgainst(peer, "status"), afterReset);
         EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
         peer.requests();
         EXPECT_EQ(runAgainst(peer, "status"), notRunning);

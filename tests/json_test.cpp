@@ -162,15 +162,11 @@ TEST(Document, SaysWhatIsUnreadableWhereverItLies) {
     }
 }
 
-TEST(Document, ReadsDeepNestingOrSaysThatItCannot) {
+TEST(Document, ReadsDeepNesting) {
     const std::string body = R"({"ok":true,"result":{"entries":[],"x":)" + std::string(900, '[') +
                              std::string(900, ']') + "}}";
-    for (const bool wantsJSON : {false, true}) {
-        const ReplyOutput output = presentReply(200, ByteBuffer(body), wantsJSON);
-        const std::string read = wantsJSON ? body : "Nothing logged.";
-        EXPECT_EQ(output.text.view(),
-                  output.exitStatus == 0 ? read : "Fernlow's reply could not be read.");
-    }
+    EXPECT_EQ(presentReply(200, ByteBuffer(body), false).text.view(), "Nothing logged.");
+    EXPECT_EQ(presentReply(200, ByteBuffer(body), true).text.view(), body);
 }
 
 TEST(Document, KeepsLongTextsAndNumbersWhole) {

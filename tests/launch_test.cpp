@@ -85,6 +85,30 @@ TEST(Launch, HappensOnlyWhenNobodyListens) {
     EXPECT_FALSE(opener.wasCalled());
 }
 
+TEST(Launch, IsNoRemedyForATooLongPath) {
+    // The limit is in bytes: 60 characters of two bytes each are too many.
+    std::string twoBytesEach;
+    for (int count = 0; count < 60; ++count) {
+        twoBytesEach += "\u00e9";
+    }
+    const Opener opener;
+    for (const std::string& path : {std::string(104, 'x'), twoBytesEach}) {
+        const Outcome tooLong{
+            "", "That socket path is too long. The limit is 103 characters:\n\n" + path + "\n", 3};
+        EXPECT_EQ(runLine("status --socket " + path, opener.settings(20s)), tooLong);
+    }
+    EXPECT_FALSE(opener.wasCalled());
+    EXPECT_EQ(runLine("status --socket " + std::string(103, 'x'), opener.settings(10ms)),
+              notRunning);
+    EXPECT_TRUE(opener.wasCalled());
+}
+
+TEST(Launch, UsesTheSystemsOpenerAndPatienceByDefault) {
+    EXPECT_EQ(LaunchSettings().program, "/usr/bin/open");
+    EXPECT_EQ(LaunchSettings().pollInterval, 200ms);
+    EXPECT_EQ(LaunchSettings().patience, 25s);
+}
+
 TEST(Launch, GivesUpWhenPatienceRunsOut) {
     const TemporaryFolder folder;
     const std::string line = "status --socket " + folder.file("none");
@@ -100,7 +124,8 @@ TEST(Launch, TheSecondAttemptIsTheLast) {
     std::thread starter = startWhenOpened(peer, opener);
     const auto outcome = runLine("status --socket " + peer.path(), opener.settings(20s));
     starter.join();
-    EXPECT_EQ(outcome.standardError, "Fernlow stopped answering partway through its reply.\n");
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_NE(outcome, notRunning);
     EXPECT_EQ(opener.noted("calls"), "-g -b com.tarnwick.Fernlow3\n");
 }
 
@@ -110,10 +135,12 @@ for n in 0 1 2; do [ /dev/fd/$n -ef /dev/null ] && echo "null $n" >>streams; don
 for n in 3 4 5 6 7 8 9; do
     if (: >&$n) 2>/dev/null || (: <&$n) 2>/dev/null; then echo "inherited $n" >>streams; fi
 done)");
-    const int inheritable = ::fcntl(::open("/dev/zero", O_RDWR), F_DUPFD, 7);
+    const int zero = ::open("/dev/zero", O_RDWR);
+    const int inheritable = ::fcntl(zero, F_DUPFD, 7);
     const TemporaryFolder folder;
     EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)), notRunning);
     ::close(inheritable);
+    ::close(zero);
     EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
 }
 

@@ -67,17 +67,15 @@ TEST(Run, WritesRefusalsToStandardErrorInBothForms) {
     EXPECT_EQ(runProgram(terminal), (Outcome{"No such project.\r\n", "", 5}));
 }
 
-TEST(Run, StandardStreamsClosed) {
+TEST(Run, GoesOnWithStandardStreamsClosed) {
     const auto closeAll = [] {
         for (const int stream : {0, 1, 2}) {
             ::close(stream);
         }
     };
     AnsweringPeer peer(R"({"ok":true})");
-    EXPECT_EQ(runProgram(peer.run({"status"}, closeAll)).status, 1);
-    // Nothing but the request went into the socket, whatever its number was.
-    const std::string& request = peer.requests().front();
-    EXPECT_EQ(request.substr(request.size() - 4), "\r\n\r\n");
+    EXPECT_EQ(runProgram(peer.run({"status"}, closeAll)).status, 1) << "the answer is lost";
+    EXPECT_EQ(peer.requests().front().substr(0, 15), "GET /v1/status ");
 }
 
 TEST(Run, NeverLosesAReplySilently) {

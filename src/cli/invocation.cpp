@@ -81,6 +81,23 @@ constexpr auto commands = std::to_array<Command>({
     {"preview", parsePreview},
 });
 
+AgentCLIAction parseCommand(std::vector<std::string> words,
+                            const CurrentDirectory& currentDirectory) {
+    if (words.empty()) {
+        throw AgentCLIUsageError::noCommand();
+    }
+    const std::string word = std::move(words.front());
+    words.erase(words.begin());
+    const auto* const command =
+        std::find_if(commands.begin(), commands.end(),
+                     [&word](const Command& candidate) { return candidate.word == word; });
+    if (command == commands.end()) {
+        throw AgentCLIUsageError::unknownCommand(word);
+    }
+    WordList remaining(std::move(words));
+    return command->parse(remaining, currentDirectory);
+}
+
 } // namespace
 
 AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
@@ -109,23 +126,6 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
     invocation.socketPath = socketPath ? *socketPath : defaultSocketPath();
     invocation.action = parseCommand(std::move(words), currentDirectory);
     return invocation;
-}
-
-AgentCLIAction parseCommand(std::vector<std::string> words,
-                            const CurrentDirectory& currentDirectory) {
-    if (words.empty()) {
-        throw AgentCLIUsageError::noCommand();
-    }
-    const std::string word = std::move(words.front());
-    words.erase(words.begin());
-    const auto* const command =
-        std::find_if(commands.begin(), commands.end(),
-                     [&word](const Command& candidate) { return candidate.word == word; });
-    if (command == commands.end()) {
-        throw AgentCLIUsageError::unknownCommand(word);
-    }
-    WordList remaining(std::move(words));
-    return command->parse(remaining, currentDirectory);
 }
 
 std::vector<std::string_view> commandWords() {

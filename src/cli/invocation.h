@@ -11,7 +11,7 @@
 
 namespace fernlow {
 
-/// A command line that cannot be understood. Two are equal when their cases and payloads are.
+/// A command line that cannot be understood: which of the cases below, and what was typed.
 class AgentCLIUsageError : public std::exception {
 public:
     static AgentCLIUsageError unknownCommand(std::string_view word);
@@ -28,26 +28,12 @@ public:
     [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
 
     friend bool operator==(const AgentCLIUsageError& one, const AgentCLIUsageError& other) {
-        return one.case_ == other.case_ && one.payload_ == other.payload_;
+        return one.message_ == other.message_;
     }
 
 private:
-    enum class Case {
-        unknownCommand,
-        unknownOption,
-        missingValue,
-        notANumber,
-        missingPath,
-        unexpectedArgument,
-        noCommand,
-    };
-    using Payload = std::vector<std::string_view>;
+    explicit AgentCLIUsageError(std::string message) : message_(std::move(message)) {}
 
-    AgentCLIUsageError(Case kind, const Payload& payload, std::string message)
-        : case_(kind), payload_(payload.begin(), payload.end()), message_(std::move(message)) {}
-
-    Case case_;
-    std::vector<std::string> payload_;
     std::string message_;
 };
 
@@ -95,10 +81,6 @@ struct AgentCLIInvocation {
 AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
                                    const CurrentDirectory& currentDirectory,
                                    bool standardOutputIsTerminal);
-
-/// Understands what is left without those three options.
-AgentCLIAction parseCommand(std::vector<std::string> words,
-                            const CurrentDirectory& currentDirectory);
 
 /// Every command word, in the order in which they are looked up.
 std::vector<std::string_view> commandWords();

@@ -17,33 +17,32 @@ std::string withHelp(std::string sentence) {
 } // namespace
 
 AgentCLIUsageError AgentCLIUsageError::unknownCommand(std::string_view word) {
-    return {Case::unknownCommand, {word}, withHelp("There is no " + quoted(word) + " command.")};
+    return AgentCLIUsageError(withHelp("There is no " + quoted(word) + " command."));
 }
 
 AgentCLIUsageError AgentCLIUsageError::unknownOption(std::string_view word) {
-    return {Case::unknownOption, {word}, withHelp(quoted(word) + " is not an option here.")};
+    return AgentCLIUsageError(withHelp(quoted(word) + " is not an option here."));
 }
 
 AgentCLIUsageError AgentCLIUsageError::missingValue(std::string_view text) {
-    return {Case::missingValue, {text}, quoted(text) + " needs a value after it."};
+    return AgentCLIUsageError(quoted(text) + " needs a value after it.");
 }
 
 AgentCLIUsageError AgentCLIUsageError::notANumber(std::string_view option, std::string_view value) {
-    return {Case::notANumber,
-            {option, value},
-            quoted(option) + " needs a number, and " + quoted(value) + " is not one."};
+    return AgentCLIUsageError(quoted(option) + " needs a number, and " + quoted(value) +
+                              " is not one.");
 }
 
 AgentCLIUsageError AgentCLIUsageError::missingPath(std::string_view text) {
-    return {Case::missingPath, {text}, quoted(text) + " needs a path."};
+    return AgentCLIUsageError(quoted(text) + " needs a path.");
 }
 
 AgentCLIUsageError AgentCLIUsageError::unexpectedArgument(std::string_view word) {
-    return {Case::unexpectedArgument, {word}, quoted(word) + " was not expected here."};
+    return AgentCLIUsageError(quoted(word) + " was not expected here.");
 }
 
 AgentCLIUsageError AgentCLIUsageError::noCommand() {
-    return {Case::noCommand, {}, withHelp("No command given.")};
+    return AgentCLIUsageError(withHelp("No command given."));
 }
 
 } // namespace fernlow

@@ -170,8 +170,8 @@ std::vector<std::string> WordList::takePaths(const CurrentDirectory& currentDire
 }
 
 std::string WordList::takePathOrCurrentDirectory(const CurrentDirectory& currentDirectory) {
-    const auto paths = takePaths(currentDirectory, "", Paths::optional);
-    return paths.empty() ? currentDirectory.path() : paths.front();
+    const auto paths = takeRemainingWords();
+    return paths.empty() ? currentDirectory.path() : resolvePath(paths.front(), currentDirectory);
 }
 
 void WordList::rejectLeftoverWords() const {

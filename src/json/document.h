@@ -95,8 +95,8 @@ public:
     static constexpr std::size_t everything = std::numeric_limits<std::size_t>::max();
 
     /// Parses all of the text, which must outlive the result. Gives nothing when the text is not a
-    /// JSON document, is nested deeper than 1,024 levels, is longer than 256 MiB, or holds a number
-    /// whose exponent alone doesn't fit in 32 bits.
+    /// JSON document, is nested deeper than 1,024 levels, is longer than 256 MiB, or holds half a
+    /// surrogate pair or a number whose exponent alone doesn't fit in 32 bits.
     ///
     /// The whole text is always checked, but only values down to `depth` are kept: 1 keeps the
     /// members of the outermost object, 2 those of the objects in it, and so on. What lies deeper

@@ -53,7 +53,7 @@ std::optional<std::string> wholeDigits(std::string_view literal) {
         return "0";
     }
     const auto exponent = literal.empty() ? 0 : readInteger(literal);
-    if (!exponent || std::abs(*exponent) > furthestExponent) {
+    if (!exponent || *exponent > furthestExponent || *exponent < -furthestExponent) {
         return std::nullopt;
     }
     const std::size_t significant = digits.find_last_not_of('0') + 1;

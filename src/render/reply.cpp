@@ -48,6 +48,10 @@ ReplyOutput refusal(std::string_view sentence) {
     return {ByteBuffer(sentence), true, refused};
 }
 
+ReplyOutput unreadable() {
+    return refusal("Fernlow's reply could not be read.");
+}
+
 std::string_view refusalMessage(const json::Object& reply) {
     const auto error = reply.object("error");
     const auto message = error ? error->optionalText("message") : std::nullopt;
@@ -67,7 +71,7 @@ ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool want
         parseBody(body, wantsJSON ? depthOfResultMembers : json::Document::everything);
     const auto reply = document ? document->root().object() : std::nullopt;
     if (!reply) {
-        return refusal("Fernlow's reply could not be read.");
+        return unreadable();
     }
     const bool ok = reply->boolean("ok");
     const auto result = reply->object("result");
@@ -78,7 +82,11 @@ ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool want
     if (!ok) {
         return refusal(refusalMessage(*reply));
     }
-    return {renderResult(result, *reply), false, exitStatus};
+    try {
+        return {renderResult(result, *reply), false, exitStatus};
+    } catch (const TextTooLong&) {
+        return unreadable();
+    }
 }
 
 int replyExitStatus(bool ok, const std::optional<json::Object>& result) {

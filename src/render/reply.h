@@ -24,7 +24,7 @@ ReplyOutput presentReply(std::int64_t statusCode, ByteBuffer body, bool wantsJSO
 int replyExitStatus(bool ok, const std::optional<json::Object>& result);
 
 /// The text that shows a person a reply that was carried out. `result` is the reply's "result"
-/// where that is an object.
+/// where that is an object. Throws TextTooLong when the text would have no end.
 ByteBuffer renderResult(const std::optional<json::Object>& result, const json::Object& reply);
 
 } // namespace fernlow

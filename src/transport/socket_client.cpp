@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace fernlow {
 
@@ -40,13 +39,11 @@ int openSocket() {
 }
 
 timeval socketTimeout(double replyTimeoutSeconds) {
+    // Thirty years: no machine waits longer, and systems count further in units that overflow.
+    constexpr double longest = 1e9;
     timeval timeout{};
-    using Seconds = decltype(timeout.tv_sec);
-    constexpr auto longest = std::numeric_limits<Seconds>::max();
-    const double seconds = std::max(replyTimeoutSeconds + 30, 5.0);
-    // The longest is not a double; what is not below its neighbour doesn't fit.
     timeout.tv_sec =
-        seconds < static_cast<double>(longest) ? static_cast<Seconds>(seconds) : longest;
+        static_cast<decltype(timeout.tv_sec)>(std::clamp(replyTimeoutSeconds + 30, 5.0, longest));
     return timeout;
 }
 

@@ -165,6 +165,7 @@ StandIn::StandIn(const std::string& socketPath) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
     }
+    ::kill(process_, SIGKILL);
     throw std::runtime_error("the stand-in does not listen");
 }
 

@@ -1,7 +1,10 @@
 #include "support/scripted_peer.h"
 
+#include "platform/platform.h"
 #include "support/seeds.h"
+#include "transport/socket_client.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -14,12 +17,6 @@
 namespace fernlow::test {
 
 namespace {
-
-#ifdef MSG_NOSIGNAL
-constexpr int sendFlags = MSG_NOSIGNAL;
-#else
-constexpr int sendFlags = 0;
-#endif
 
 /// The length of the whole request, once its head is complete; 0 before.
 std::size_t requestLength(const std::string& request) {
@@ -47,7 +44,7 @@ const std::string& ScriptedPeer::Connection::readRequest() {
 
 void ScriptedPeer::Connection::write(std::string_view bytes) const {
     while (!bytes.empty()) {
-        const ssize_t count = ::send(socket_, bytes.data(), bytes.size(), sendFlags);
+        const ssize_t count = platform::sendWithoutSignal(socket_, bytes.data(), bytes.size());
         if (count <= 0) {
             return;
         }
@@ -56,11 +53,24 @@ void ScriptedPeer::Connection::write(std::string_view bytes) const {
 }
 
 void ScriptedPeer::Connection::reset() {
-    // A Unix-domain socket has no linger: closing with unread bytes is what resets it. So this
-    // belongs before readRequest().
+    // A Unix-domain socket has no linger: closing with unread bytes is what resets it.
+    awaitFirstByte();
+    close();
+}
+
+void ScriptedPeer::Connection::awaitFirstByte() const {
     std::array<char, 1> byte{};
     ::recv(socket_, byte.data(), byte.size(), MSG_PEEK);
-    close();
+}
+
+bool ScriptedPeer::Connection::isGone() const {
+    pollfd hangUp{socket_, 0, 0};
+    return ::poll(&hangUp, 1, 1) == 1 && (hangUp.revents & POLLHUP) != 0;
+}
+
+void ScriptedPeer::Connection::waitUntilGone() const {
+    while (!isGone()) {
+    }
 }
 
 void ScriptedPeer::Connection::close() {
@@ -85,33 +95,39 @@ ScriptedPeer::ScriptedPeer(Later /*later*/, std::vector<Script> scripts)
     : scripts_(std::move(scripts)) {}
 
 ScriptedPeer::~ScriptedPeer() {
-    if (listener_ >= 0) {
-        // Ends an accept that nobody connects to any more.
-        ::shutdown(listener_, SHUT_RDWR);
+    if (!thread_.joinable()) {
+        return;
     }
-    if (thread_.joinable()) {
-        thread_.join();
+    stopping_ = true;
+    try {
+        // Wakes an accept that nobody connects to any more.
+        AgentSocketClient::connect(path(), 0);
+    } catch (const AgentSocketClientError&) {
+        // The last script is done.
     }
+    thread_.join();
 }
 
 void ScriptedPeer::start() {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path().copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
-    listener_ = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::listen(listener_, 16) != 0) {
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    if (::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::listen(listener, 16) != 0) {
         throw std::runtime_error("cannot listen on " + path());
     }
-    thread_ = std::thread([this] { serve(listener_); });
+    thread_ = std::thread([this, listener] { serve(listener); });
 }
 
 void ScriptedPeer::serve(int listener) {
     for (const Script& script : scripts_) {
         const int socket = ::accept(listener, nullptr, nullptr);
-        if (socket < 0) {
+        if (stopping_) {
+            ::close(socket);
             break;
         }
+        platform::prepareSocket(socket);
         Connection connection(socket);
         script(connection);
         connection.close();
@@ -123,7 +139,6 @@ void ScriptedPeer::serve(int listener) {
 const std::vector<std::string>& ScriptedPeer::requests() {
     if (thread_.joinable()) {
         thread_.join();
-        listener_ = -1;
     }
     return requests_;
 }

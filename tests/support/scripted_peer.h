@@ -2,6 +2,7 @@
 
 #include "support/temporary_folder.h"
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -26,8 +27,13 @@ public:
         /// Closes so that the client sees a reset instead of an end.
         void reset();
         void close();
-        /// Reads nothing more and waits until the client has closed its side.
+        /// Waits for the request to begin, without taking it.
+        void awaitFirstByte() const;
+        /// Takes whatever comes until the client has closed its side.
         void waitForClose() const;
+        /// Waits until the client has closed its side, without taking anything.
+        void waitUntilGone() const;
+        [[nodiscard]] bool isGone() const;
 
         [[nodiscard]] const std::string& request() const { return request_; }
 
@@ -60,7 +66,7 @@ private:
     TemporaryFolder folder_;
     std::vector<Script> scripts_;
     std::vector<std::string> requests_;
-    int listener_ = -1;
+    std::atomic<bool> stopping_ = false;
     std::thread thread_;
 };
 
