@@ -1,0 +1,1 @@
+.result.entries[] | "\(.cursor)  \(.severity | ascii_upcase)  \(.title)"

@@ -1,0 +1,3 @@
+.result[]
+| [.valueType, .propagation, (.language // empty), (.group // empty | "group \(.)")] as $tags
+| "\(.name)  [\($tags | join(", "))]"

@@ -1,0 +1,67 @@
+// The least that a run can do: sends one GET request to a Unix socket and writes the reply's body
+// and a line break to standard output. It checks nothing that a run with a good reply doesn't need.
+//
+// With a COUNT it writes that much of the body only: the floor of a run that writes less than it
+// reads.
+//
+//   floor SOCKET PATH [COUNT]
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+enum { readSize = 16384, firstCapacity = 65536 };
+
+int main(int argc, char** argv) {
+    struct sockaddr_un address = {.sun_family = AF_UNIX};
+    char request[512];
+    if (argc < 3 || strlen(argv[1]) >= sizeof address.sun_path) {
+        return 2;
+    }
+    strcpy(address.sun_path, argv[1]);
+    const int length = snprintf(request, sizeof request,
+                                "GET %s HTTP/1.1\r\nHost: localhost\r\n"
+                                "Content-Type: application/json; charset=utf-8\r\n"
+                                "Content-Length: 0\r\nConnection: close\r\n\r\n",
+                                argv[2]);
+    const int server = socket(AF_UNIX, SOCK_STREAM, 0);
+    if (connect(server, (const struct sockaddr*)&address, sizeof address) != 0 ||
+        send(server, request, (size_t)length, 0) != length) {
+        return 3;
+    }
+    size_t size = 0;
+    size_t capacity = firstCapacity;
+    char* reply = malloc(capacity);
+    ssize_t count = 0;
+    while (reply != NULL && (count = read(server, reply + size, readSize)) > 0) {
+        size += (size_t)count;
+        if (capacity - size < readSize) {
+            capacity *= 2;
+            reply = realloc(reply, capacity);
+        }
+    }
+    if (reply == NULL || count < 0) {
+        return 3;
+    }
+    // There is always room for a whole read behind the reply, so for these two as well.
+    reply[size] = '\0';
+    char* body = strstr(reply, "\r\n\r\n");
+    if (body == NULL) {
+        return 3;
+    }
+    body += 4;
+    size_t left = (size_t)(reply + size - body);
+    if (argc > 3 && strtoul(argv[3], NULL, 10) < left) {
+        left = strtoul(argv[3], NULL, 10);
+    }
+    body[left++] = '\n';
+    for (; left > 0; body += count, left -= (size_t)count) {
+        count = write(STDOUT_FILENO, body, left);
+        if (count <= 0) {
+            return 1;
+        }
+    }
+    return 0;
+}
