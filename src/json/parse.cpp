@@ -35,8 +35,8 @@ public:
     using Error = boost::json::error_code;
     using Text = boost::json::string_view;
 
-    bool on_document_begin(Error& /*error*/) { return true; }
-    bool on_document_end(Error& /*error*/) { return true; }
+    static bool on_document_begin(Error& /*error*/) { return true; }
+    static bool on_document_end(Error& /*error*/) { return true; }
     bool on_object_begin(Error& /*error*/) { return open(Kind::object); }
     bool on_object_end(std::size_t size, Error& /*error*/) { return close(size); }
     bool on_array_begin(Error& /*error*/) { return open(Kind::list); }
@@ -45,7 +45,7 @@ public:
     bool on_key(Text last, std::size_t size, Error& /*error*/) { return addText(last, size); }
     bool on_string_part(Text part, std::size_t /*size*/, Error& /*error*/) { return addPart(part); }
     bool on_string(Text last, std::size_t size, Error& /*error*/) { return addText(last, size); }
-    bool on_number_part(Text /*part*/, Error& /*error*/) { return true; }
+    static bool on_number_part(Text /*part*/, Error& /*error*/) { return true; }
     bool on_int64(std::int64_t /*value*/, Text literal, Error& /*error*/) {
         return addNumber(literal);
     }
@@ -55,8 +55,8 @@ public:
     bool on_double(double /*value*/, Text literal, Error& /*error*/) { return addNumber(literal); }
     bool on_bool(bool value, Error& /*error*/) { return add(value ? Kind::yes : Kind::no, 0, 0); }
     bool on_null(Error& /*error*/) { return add(Kind::null, 0, 0); }
-    bool on_comment_part(Text /*part*/, Error& /*error*/) { return true; }
-    bool on_comment(Text /*last*/, Error& /*error*/) { return true; }
+    static bool on_comment_part(Text /*part*/, Error& /*error*/) { return true; }
+    static bool on_comment(Text /*last*/, Error& /*error*/) { return true; }
 
 private:
     [[nodiscard]] bool keeps() const { return open_.size() <= keptDepth_; }
