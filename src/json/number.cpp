@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <limits>
@@ -15,6 +16,9 @@ namespace fernlow::json {
 namespace {
 
 constexpr std::int64_t longestWhole = std::numeric_limits<double>::max_exponent10 + 1;
+
+/// With as many decimals in scientific notation every double reads back as itself.
+constexpr int maximumDecimals = std::numeric_limits<double>::max_digits10 - 1;
 
 /// Beyond it no literal that fits in memory is a whole number within range, save zero.
 constexpr std::int64_t furthestExponent = std::int64_t{1} << 32;
@@ -74,13 +78,26 @@ double nearestDouble(std::string_view literal) {
 }
 
 std::string shortestDecimal(double value) {
-    std::array<char, 512> text{};
-    const bool tinyFraction = value != 0 && std::abs(value) < 1e-6;
-    const auto end = tinyFraction ? std::to_chars(text.data(), text.data() + text.size(), value)
-                                  : std::to_chars(text.data(), text.data() + text.size(), value,
-                                                  std::chars_format::fixed);
-    const std::string shortest(text.data(), end.ptr);
-    return shortest == "-0" ? "0" : shortest;
+    // Not to_chars: it needs a recent macOS, and here it would have the mathematics library loaded
+    // at every start.
+    std::array<char, 64> text{};
+    int decimals = 0;
+    do {
+        std::snprintf(text.data(), text.size(), "%.*e", decimals, value);
+    } while (std::strtod(text.data(), nullptr) != value && ++decimals <= maximumDecimals);
+
+    const std::string scientific(text.data());
+    if (auto digits = wholeDigits(scientific)) {
+        return *std::move(digits);
+    }
+    if (std::abs(value) < 1e-6) {
+        return scientific;
+    }
+    const auto exponent =
+        readInteger(std::string_view(scientific).substr(scientific.find('e') + 1));
+    std::snprintf(text.data(), text.size(), "%.*f",
+                  decimals - static_cast<int>(exponent.value_or(0)), value);
+    return text.data();
 }
 
 } // namespace fernlow::json
