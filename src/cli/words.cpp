@@ -14,6 +14,16 @@ namespace fernlow {
 
 namespace {
 
+std::optional<std::int64_t> readWholeNumber(const std::string& text) {
+    return json::readInteger(text);
+}
+
+std::optional<std::uint64_t> readCursor(const std::string& text) {
+    const auto number = json::readInteger(text);
+    return number && *number >= 0 ? std::optional(static_cast<std::uint64_t>(*number))
+                                  : std::nullopt;
+}
+
 std::optional<double> readDecimalNumber(const std::string& text) {
     // strtod skips leading blanks and reads hexadecimal and "nan(...)"; none of them is a decimal
     // number here. No locale is ever set in this process, so the point is a point.
@@ -105,40 +115,30 @@ std::optional<std::string> WordList::takeOptionValue(std::string_view option) {
     return value;
 }
 
-std::optional<std::int64_t> WordList::takeWholeNumber(std::string_view option) {
+template <class Number>
+std::optional<Number> WordList::takeNumber(std::string_view option,
+                                           std::optional<Number> (*read)(const std::string& text)) {
     const auto text = takeOptionValue(option);
     if (!text) {
         return std::nullopt;
     }
-    const auto number = json::readInteger(*text);
+    const auto number = read(*text);
     if (!number) {
         throw AgentCLIUsageError::notANumber(option, *text);
     }
     return number;
+}
+
+std::optional<std::int64_t> WordList::takeWholeNumber(std::string_view option) {
+    return takeNumber(option, readWholeNumber);
 }
 
 std::optional<std::uint64_t> WordList::takeCursor(std::string_view option) {
-    const auto text = takeOptionValue(option);
-    if (!text) {
-        return std::nullopt;
-    }
-    const auto number = json::readInteger(*text);
-    if (!number || *number < 0) {
-        throw AgentCLIUsageError::notANumber(option, *text);
-    }
-    return static_cast<std::uint64_t>(*number);
+    return takeNumber(option, readCursor);
 }
 
 std::optional<double> WordList::takeDecimalNumber(std::string_view option) {
-    const auto text = takeOptionValue(option);
-    if (!text) {
-        return std::nullopt;
-    }
-    const auto number = readDecimalNumber(*text);
-    if (!number) {
-        throw AgentCLIUsageError::notANumber(option, *text);
-    }
-    return number;
+    return takeNumber(option, readDecimalNumber);
 }
 
 std::optional<std::string> WordList::takeFirstWord() {

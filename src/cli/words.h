@@ -90,6 +90,9 @@ public:
     void rejectLeftoverWords() const;
 
 private:
+    template <class Number>
+    std::optional<Number> takeNumber(std::string_view option,
+                                     std::optional<Number> (*read)(const std::string& text));
     void rejectUnknownOptions() const;
 
     std::vector<std::string> words_;

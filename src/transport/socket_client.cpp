@@ -113,7 +113,7 @@ SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
     ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
     ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
     // The whole structure's length is passed, not the path's: the zero bytes behind the path end
-    // it.
+    // it. The length byte that the structure begins with on macOS is not looked at there.
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         throw AgentSocketClientError::notRunning(socketPath);
     }
