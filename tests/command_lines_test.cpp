@@ -225,6 +225,8 @@ constexpr Case pathLines[] = {
     {"remove a~/..b", R"(POST /v1/projects/remove {"path":"/p/src/a~/..b"})"},
     {"remove /tmp/../site//", R"(POST /v1/projects/remove {"path":"/tmp/../site//"})"},
     {"remove ~no-such-user/../a", R"(POST /v1/projects/remove {"path":"~no-such-user/../a"})"},
+    {"remove '/a\"b\\c\n\r\t\x01\x1F\x7F'",
+     "POST /v1/projects/remove {\"path\":\"/a\\\"b\\\\c\\n\\r\\t\\u0001\\u001f\x7F\"}"},
 };
 
 constexpr std::span<const Case> families[] = {dispatchLines,   workLines,     projectLines,
