@@ -12,7 +12,6 @@
 #include <string_view>
 
 namespace fernlow::test {
-
 namespace {
 
 /// A command line typed in /p/src, and what it asks for.
@@ -26,7 +25,6 @@ constexpr Case dispatchLines[] = {
     {"projects", "GET /v1/projects"},
     {"schema", "GET /v1/schema"},
     {"--help", "help"},
-    {"-h", "help"},
     {"help build --nonsense", "help"},
     {"--version", "version"},
     {"-v", "version"},

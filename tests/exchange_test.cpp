@@ -1,4 +1,4 @@
-#include "support/command_line.h"
+#include "support/outcomes.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
 #include "transport/http.h"
@@ -21,26 +21,6 @@ namespace fernlow::test {
 namespace {
 
 using Connection = ScriptedPeer::Connection;
-
-const Outcome notRunning{"",
-                         "Fernlow is not running, or it is not listening for agents. Open Fernlow "
-                         "and try again.\n",
-                         3};
-const Outcome writeFailed{"", "The request could not be sent to Fernlow.\n", 3};
-const Outcome readFailed{"", "Fernlow stopped answering partway through its reply.\n", 3};
-const Outcome malformed{
-    "", "Something answered on Fernlow's socket, but not with a reply Fernlow would send.\n", 3};
-const Outcome done{"Done.\n", "", 0};
-// Closing with unread bytes resets the peer's side on Linux; on macOS it is an end like any other.
-#ifdef __APPLE__
-const Outcome& afterReset = malformed;
-#else
-const Outcome& afterReset = readFailed;
-#endif
-
-Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
-    return runLine("--no-launch --socket " + peer.path() + " " + line);
-}
 
 TEST(Exchange, SendsExactlyTheRequest) {
     ScriptedPeer peer({answer(reply(R"({"ok":true})")), answer(reply(R"({"ok":true})"))});
@@ -88,122 +68,11 @@ TEST(Exchange, ReadsTheStatusCode) {
     EXPECT_EQ(parseReply(ByteBuffer("x -7\r\n\r\n")).statusCode, -7);
 }
 
-TEST(Exchange, SurvivesHostilePeers) {
-    const std::string good = reply(R"({"ok":true})");
-    const struct {
-        const char* what;
-        ScriptedPeer::Script script;
-        Outcome expected;
-    } cases[] = {
-        {"closes before the reply", [](Connection& c) { c.readRequest(); }, malformed},
-        {"closes within the head", answer("HTTP/1.1 200 OK\r\nContent-"), malformed},
-        {"closes within the body",
-         answer(reply(R"({"ok":tr)")),
-         {"", "Fernlow's reply could not be read.\n", 5}},
-        {"resets", [](Connection& c) { c.reset(); }, afterReset},
-        {"trickles",
-         [&good](Connection& c) {
-             c.readRequest();
-             for (const char byte : good) {
-                 c.write({&byte, 1});
-             }
-         },
-         done},
-        {"answers before it has read",
-         [&good](Connection& c) {
-             c.write(good);
-             c.readRequest();
-         },
-         done},
-        {"answers 50 MB",
-         [](Connection& c) {
-             c.readRequest();
-             c.write(reply(R"({"ok":true,"padding":")"));
-             const std::string megabyte(1U << 20U, 'x');
-             for (int count = 0; count < 50; ++count) {
-                 c.write(megabyte);
-             }
-             c.write("\"}");
-         },
-         done},
-    };
-    for (const auto& [what, script, expected] : cases) {
-        ScriptedPeer peer({script});
-        EXPECT_EQ(runAgainst(peer, "status"), expected) << what;
-    }
-}
-
 TEST(Exchange, WritesMegabytesWhateverTheirPace) {
     const std::string path(3U << 20U, 'x');
     ScriptedPeer peer({answer(reply(R"({"ok":true})"))});
     EXPECT_EQ(runAgainst(peer, "process /" + path), done);
     EXPECT_NE(peer.requests()[0].find("{\"paths\":[\"/" + path + "\"],"), std::string::npos);
-}
-
-TEST(Exchange, EndsWithAMessageWhenThePeerClosesDuringTheRequest) {
-    ScriptedPeer peer({[](Connection& connection) { connection.reset(); }});
-    EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
-}
-
-TEST(Exchange, GivesUpOnAPeerThatStalls) {
-    // Of all commands this one lets the timeout be negative, and the socket's is never under 5.
-    const std::string command = "files skip --timeout -100 vendor";
-    const struct {
-        ScriptedPeer::Script script;
-        std::string line;
-        Outcome expected;
-    } cases[] = {
-        {[](Connection& c) { c.readRequest(); }, command, readFailed},
-        {[](Connection& c) {
-             c.readRequest();
-             c.write("HTTP/1.1 200 OK\r\n\r\n{\"ok\":");
-         },
-         command, readFailed},
-        {[](Connection& c) { c.awaitFirstByte(); }, command + std::string(8U << 20U, 'x'),
-         writeFailed},
-    };
-    std::vector<std::thread> runs;
-    for (const auto& each : cases) {
-        runs.emplace_back([&each] {
-            ScriptedPeer peer({[&each](Connection& connection) {
-                each.script(connection);
-                connection.waitUntilGone();
-            }});
-            EXPECT_EQ(runAgainst(peer, each.line), each.expected);
-        });
-    }
-    for (std::thread& run : runs) {
-        run.join();
-    }
-}
-
-TEST(Exchange, TreatsAnInterruptedReadAsAFailure) {
-    struct sigaction interrupting {};
-    interrupting.sa_handler = [](int /*signal*/) {};
-    struct sigaction former {};
-    ::sigaction(SIGUSR1, &interrupting, &former);
-    const pthread_t client = ::pthread_self();
-    ScriptedPeer peer({[client](Connection& connection) {
-        connection.readRequest();
-        while (!connection.isGone()) {
-            ::pthread_kill(client, SIGUSR1);
-        }
-    }});
-    EXPECT_EQ(runAgainst(peer, "status"), readFailed);
-    peer.requests();
-    ::sigaction(SIGUSR1, &former, nullptr);
-}
-
-TEST(Exchange, StopsAPeerThatNeverStopsSending) {
-    ScriptedPeer peer({[](Connection& connection) {
-        connection.readRequest();
-        connection.write("HTTP/1.1 200 OK\r\n\r\n");
-        const std::string megabyte(1U << 20U, ' ');
-        for (int count = 0; count < 300; ++count) {
-            connection.write(megabyte);
-        }
-    }});
-    EXPECT_EQ(runAgainst(peer, "status"), malformed);
 }
 
 TEST(Exchange, FindsNobodyListening) {
@@ -296,33 +165,6 @@ TEST(Exchange, NeverUsesAStandardStreamsNumber) {
     int status = 0;
     ::waitpid(child, &status, 0);
     EXPECT_GT(WEXITSTATUS(status), 2);
-}
-
-/// The descriptors that are open in this process.
-std::vector<int> openDescriptors() {
-    std::vector<int> open;
-    for (int descriptor = 0; descriptor < 256; ++descriptor) {
-        if (::fcntl(descriptor, F_GETFD) != -1) {
-            open.push_back(descriptor);
-        }
-    }
-    return open;
-}
-
-TEST(Exchange, LeaksNoDescriptor) {
-    const auto before = openDescriptors();
-    {
-        ScriptedPeer peer({answer(reply(R"({"ok":true})")), answer("no reply"),
-                           [](Connection& connection) { connection.reset(); },
-                           [](Connection& connection) { connection.reset(); }});
-        EXPECT_EQ(runAgainst(peer, "status"), done);
-        EXPECT_EQ(runAgainst(peer, "status"), malformed);
-        EXPECT_EQ(runAgainst(peer, "status"), afterReset);
-        EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
-        peer.requests();
-        EXPECT_EQ(runAgainst(peer, "status"), notRunning);
-    }
-    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

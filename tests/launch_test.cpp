@@ -1,3 +1,4 @@
+#include "support/outcomes.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
 
@@ -20,12 +21,6 @@ using namespace std::chrono_literals;
 using Connection = ScriptedPeer::Connection;
 
 constexpr const char* okReply = R"({"ok":true})";
-
-const Outcome done{"Done.\n", "", 0};
-const Outcome notRunning{"",
-                         "Fernlow is not running, or it is not listening for agents. Open Fernlow "
-                         "and try again.\n",
-                         3};
 
 /// A script in place of the program that starts the application. It notes how it was called.
 class Opener {

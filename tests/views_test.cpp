@@ -289,20 +289,5 @@ TEST(FilesView, TagsCountsAndPages) {
     });
 }
 
-// A path is shown again with each of its issues: 390 kB of reply would be 9 GB of text.
-TEST(WorkReportView, RefusesToShowWhatHasNoEnd) {
-    std::string issues = "{}";
-    for (int count = 0; count < 100000; ++count) {
-        issues += ",{}";
-    }
-    const std::string reply =
-        R"({"ok":true,"result":{"compiledFileCount":1,"problems":[{"syntaxReports":[{"path":")" +
-        std::string(90000, 'p') + R"(","issues":[)" + issues + "]}]}]}}";
-    const ReplyOutput output = presentReply(200, ByteBuffer(reply), false);
-    EXPECT_EQ(output.text.view(), "Fernlow's reply could not be read.");
-    EXPECT_EQ(output.exitStatus, 5);
-    EXPECT_EQ(presentReply(200, ByteBuffer(reply), true).exitStatus, 0);
-}
-
 } // namespace
 } // namespace fernlow::test

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "support/process.h"
+#include "support/scripted_peer.h"
+
+#include <string>
+
+namespace fernlow::test {
+
+inline const Outcome notRunning{
+    "",
+    "Fernlow is not running, or it is not listening for agents. Open Fernlow "
+    "and try again.\n",
+    3};
+inline const Outcome writeFailed{"", "The request could not be sent to Fernlow.\n", 3};
+inline const Outcome readFailed{"", "Fernlow stopped answering partway through its reply.\n", 3};
+inline const Outcome malformed{
+    "", "Something answered on Fernlow's socket, but not with a reply Fernlow would send.\n", 3};
+inline const Outcome done{"Done.\n", "", 0};
+// Closing with unread bytes resets the peer's side on Linux; on macOS it is an end like any other.
+#ifdef __APPLE__
+inline const Outcome& afterReset = malformed;
+#else
+inline const Outcome& afterReset = readFailed;
+#endif
+
+/// Runs the words of a line against a peer that is there already.
+inline Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
+    return runLine("--no-launch --socket " + peer.path() + " " + line);
+}
+
+} // namespace fernlow::test
