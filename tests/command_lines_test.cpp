@@ -27,7 +27,6 @@ constexpr Case dispatchLines[] = {
     {"--help", "help"},
     {"help build --nonsense", "help"},
     {"--version", "version"},
-    {"-v", "version"},
     {"version extra", "version"},
     {"remove a b", R"(POST /v1/projects/remove {"path":"/p/src/a"})"},
     {"enable", R"(POST /v1/projects/enabled {"path":"/p/src","enabled":true})"},
