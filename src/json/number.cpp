@@ -86,7 +86,7 @@ std::string shortestDecimal(double value) {
         std::snprintf(text.data(), text.size(), "%.*e", decimals, value);
     } while (std::strtod(text.data(), nullptr) != value && ++decimals <= maximumDecimals);
 
-    const std::string scientific(text.data());
+    std::string scientific(text.data());
     if (auto digits = wholeDigits(scientific)) {
         return *std::move(digits);
     }
