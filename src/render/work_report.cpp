@@ -15,9 +15,10 @@ void renderProblem(const json::Object& problem, Lines& lines) {
         lines.add(message);
     }
     for (const json::Object& report : problem.objects("syntaxReports")) {
+        const std::string_view path = report.text("path");
         for (const json::Object& issue : report.objects("issues")) {
-            lines.add("  ", report.text("path"), ":", issue.integer("line"), ":",
-                      issue.integer("column"), "  ", issue.text("reason"));
+            lines.add("  ", path, ":", issue.integer("line"), ":", issue.integer("column"), "  ",
+                      issue.text("reason"));
         }
     }
 }
