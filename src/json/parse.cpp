@@ -2,6 +2,7 @@
 #include "json/tape.h"
 
 #include <boost/json/basic_parser_impl.hpp>
+#include <boost/system/error_code.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -32,7 +33,7 @@ public:
 
     TapeBuilder(Tape& tape, std::size_t depth) : tape_(tape), keptDepth_(depth) {}
 
-    using Error = boost::json::error_code;
+    using Error = boost::system::error_code;
     using Text = boost::json::string_view;
 
     static bool on_document_begin(Error& /*error*/) { return true; }
@@ -140,7 +141,7 @@ std::optional<Document> Document::parse(std::string_view text, std::size_t depth
     boost::json::parse_options options;
     options.max_depth = detail::deepestNesting;
     boost::json::basic_parser<TapeBuilder> parser(options, *tape, depth);
-    boost::json::error_code error;
+    boost::system::error_code error;
     const std::size_t used = parser.write_some(false, text.data(), text.size(), error);
     if (error || used != text.size()) {
         return std::nullopt;
