@@ -1,0 +1,2 @@
+// Boost.JSON itself, for systems that have its headers but no static library of it.
+#include <boost/json/src.hpp>
