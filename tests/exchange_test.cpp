@@ -108,10 +108,14 @@ TEST(Exchange, FindsNobodyWhereItHasNoPermission) {
     ::chmod(peer.path().c_str(), 0);
     // Root is never refused, so it becomes nobody for a while.
     const uid_t user = ::geteuid();
-    constexpr uid_t nobody = 65534;
-    ASSERT_TRUE(user != 0 || ::seteuid(nobody) == 0);
+    const bool canBeRefused = user != 0 || ::seteuid(65534) == 0;
     const Outcome outcome = runAgainst(peer, "status");
-    ASSERT_TRUE(user != 0 || ::seteuid(user) == 0);
+    ASSERT_EQ(::seteuid(user), 0);
+    // The peer ends by connecting to itself.
+    ::chmod(peer.path().c_str(), 0600);
+    if (!canBeRefused) {
+        GTEST_SKIP() << "this root can't become somebody who would be refused";
+    }
     EXPECT_EQ(outcome, notRunning);
 }
 
