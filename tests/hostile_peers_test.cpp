@@ -100,9 +100,9 @@ TEST(HostilePeer, GivesUpOnAPeerThatStalls) {
 }
 
 TEST(HostilePeer, TreatsAnInterruptedReadAsAFailure) {
-    struct sigaction interrupting {};
+    struct sigaction interrupting{};
     interrupting.sa_handler = [](int /*signal*/) {};
-    struct sigaction former {};
+    struct sigaction former{};
     ::sigaction(SIGUSR1, &interrupting, &former);
     const pthread_t client = ::pthread_self();
     ScriptedPeer peer({[client](Connection& connection) {

@@ -244,7 +244,8 @@ TEST(SettingsView, SortsSectionsAndKeysAndFormatsValues) {
              "languages":{"t":{"k":2},"E":{},"S":{"z":3,"y":4}}})",
          "Project-wide:\n  A = x\n  a = \n  b = 1\n\nS:\n  y = 4\n  z = 3\n\nt:\n  k = 2"},
         {R"({"applied":{"\ud83d\ude00":1,"\ufb00":2,"z":3,"\u00e9":4,"ab":5,"a":6,"":7,"a b":8}})",
-         "Project-wide:\n   = 7\n  a = 6\n  a b = 8\n  ab = 5\n  z = 3\n  é = 4\n  ﬀ = 2\n  😀 = 1"},
+         "Project-wide:\n   = 7\n  a = 6\n  a b = 8\n  ab = 5\n  z = 3\n  é = 4\n  ﬀ = 2\n  😀 = "
+         "1"},
         {R"({"applied":{"a":null,"b":{},"c":[1,2],"d":["a",1],"e":[[]],"f":"","g":"x, \"y\"",
              "h":["a"],"i":["a","b"],"j":["","a",""],"k":true,"l":false}})",
          "Project-wide:\n  a = (unset)\n  b = (unset)\n  c = (unset)\n  d = (unset)\n"

@@ -17,8 +17,8 @@ namespace fernlow {
 /// What becomes of a file.
 enum class AgentOutputAction { compile, ignore, copy };
 template <>
-inline constexpr auto
-    wireWords<AgentOutputAction> = std::to_array<std::string_view>({"compile", "ignore", "copy"});
+inline constexpr auto wireWords<AgentOutputAction> =
+    std::to_array<std::string_view>({"compile", "ignore", "copy"});
 
 struct AgentFileListRequest {
     std::string path;

@@ -15,9 +15,7 @@ inline constexpr auto wireWords = nullptr;
 
 /// An enumeration with wire words.
 template <class Type>
-concept Worded = requires {
-    wireWords<Type>.size();
-};
+concept Worded = requires { wireWords<Type>.size(); };
 
 template <Worded Enumeration>
 constexpr std::string_view wireWord(Enumeration value) {

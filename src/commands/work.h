@@ -21,14 +21,14 @@ enum class AgentProcessMode {
     exactly,
 };
 template <>
-inline constexpr auto wireWords<AgentProcessMode> = std::to_array<std::string_view>({"asIfSaved",
-                                                                                     "exactly"});
+inline constexpr auto wireWords<AgentProcessMode> =
+    std::to_array<std::string_view>({"asIfSaved", "exactly"});
 
 /// In ascending order: as a minimum, a case stands for itself and every later one.
 enum class AgentLogSeverity { success, warning, error };
 template <>
-inline constexpr auto
-    wireWords<AgentLogSeverity> = std::to_array<std::string_view>({"success", "warning", "error"});
+inline constexpr auto wireWords<AgentLogSeverity> =
+    std::to_array<std::string_view>({"success", "warning", "error"});
 
 struct AgentProcessRequest {
     std::vector<std::string> paths;

@@ -57,12 +57,8 @@ public:
         posix_spawn_file_actions_destroy(&actions_);
     }
 
-    [[nodiscard]] const posix_spawn_file_actions_t* actions() const {
-        return &actions_;
-    }
-    [[nodiscard]] const posix_spawnattr_t* attributes() const {
-        return &attributes_;
-    }
+    [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &actions_; }
+    [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
 
 private:
     posix_spawn_file_actions_t actions_{};
