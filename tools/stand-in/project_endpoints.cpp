@@ -112,10 +112,11 @@ Json addGroup(State& state, const Json& body) {
 }
 
 Json renameGroup(State& state, const Json& body) {
-    std::string& group = ownGroup(state, body["name"]);
+    const auto name = body["name"].get<std::string>();
+    std::string& group = ownGroup(state, name);
     group = unusedGroupName(state, body["newName"]);
     for (Project& project : state.projects) {
-        if (project.group == body["name"]) {
+        if (project.group == name) {
             project.group = group;
         }
     }
@@ -123,13 +124,14 @@ Json renameGroup(State& state, const Json& body) {
 }
 
 Json removeGroup(State& state, const Json& body) {
-    std::erase(state.groups, std::string(ownGroup(state, body["name"])));
+    const std::string name = ownGroup(state, body["name"]);
+    std::erase(state.groups, name);
     for (Project& project : state.projects) {
-        if (project.group == body["name"]) {
+        if (project.group == name) {
             project.group = permanentGroup;
         }
     }
-    return {{"name", body["name"]}};
+    return {{"name", name}};
 }
 
 Json listGroups(State& state, const Json& /*unused*/) {

@@ -37,7 +37,7 @@ int newSocket(const std::string& path) {
 }
 
 void removeStaleSocket(const std::string& path, const sockaddr_un& address) {
-    struct stat status {};
+    struct stat status{};
     if (lstat(path.c_str(), &status) != 0) {
         return;
     }
