@@ -2,6 +2,7 @@
 // an object to an independent parser (which checks its UTF-8 too), with null only where a setting's
 // value is null.
 #include "cli/invocation.h"
+#include "cli/usage_error.h"
 #include "json/writer.h"
 #include "require.h"
 
@@ -43,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const auto invocation =
             fernlow::parseInvocation(words, fernlow::CurrentDirectory("/p/src"), false);
         if (const auto* post =
-                std::get_if<fernlow::AgentCLIAction::Post>(&invocation.action.kind)) {
+                std::get_if<fernlow::AgentCLIAction::post>(&invocation.action.kind)) {
             checkBody(post->body);
         }
     } catch (const fernlow::AgentCLIUsageError& error) {

@@ -275,8 +275,8 @@ TEST(CommandLines, PathsStartAtFoldersOfTheSystem) {
 TEST(CommandLines, GlobalOptionsMayStandAnywhere) {
     const std::string usual = homeOf(getpwuid(getuid())) +
                               "/Library/Application Support/com.tarnwick.Fernlow3/agent.sock";
-    const AgentCLIAction status{AgentCLIAction::Get{"/v1/status"}};
-    const AgentCLIAction addGroup{AgentCLIAction::Post{"/v1/groups/add", R"({"name":"Blog"})"}};
+    const AgentCLIAction status{AgentCLIAction::get{"/v1/status"}};
+    const AgentCLIAction addGroup{AgentCLIAction::post{"/v1/groups/add", R"({"name":"Blog"})"}};
     const struct {
         std::string_view line;
         bool onTerminal;

@@ -1,5 +1,6 @@
 #include "cli/invocation.h"
 
+#include "cli/usage_error.h"
 #include "commands/collections.h"
 #include "commands/files.h"
 #include "commands/packages.h"
@@ -10,6 +11,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace fernlow {
 
@@ -23,17 +27,17 @@ struct Command {
 };
 
 AgentCLIAction help(WordList& /*words*/, const CurrentDirectory& /*currentDirectory*/) {
-    return {AgentCLIAction::Help{}};
+    return {AgentCLIAction::help{}};
 }
 
 AgentCLIAction version(WordList& /*words*/, const CurrentDirectory& /*currentDirectory*/) {
-    return {AgentCLIAction::Version{}};
+    return {AgentCLIAction::version{}};
 }
 
 /// A command that is nothing but its own word.
 AgentCLIAction getAlone(WordList& words, const char* path) {
     words.rejectLeftoverWords();
-    return {AgentCLIAction::Get{path}};
+    return {AgentCLIAction::get{path}};
 }
 
 AgentCLIAction status(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
@@ -84,7 +88,7 @@ constexpr auto commands = std::to_array<Command>({
 AgentCLIAction parseCommand(std::vector<std::string> words,
                             const CurrentDirectory& currentDirectory) {
     if (words.empty()) {
-        throw AgentCLIUsageError::noCommand();
+        throw AgentCLIUsageError(AgentCLIUsageError::noCommand{});
     }
     const std::string word = std::move(words.front());
     words.erase(words.begin());
@@ -92,7 +96,7 @@ AgentCLIAction parseCommand(std::vector<std::string> words,
         std::find_if(commands.begin(), commands.end(),
                      [&word](const Command& candidate) { return candidate.word == word; });
     if (command == commands.end()) {
-        throw AgentCLIUsageError::unknownCommand(word);
+        throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{word});
     }
     WordList remaining(std::move(words));
     return command->parse(remaining, currentDirectory);
@@ -115,7 +119,7 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
             invocation.launchIfNeeded = false;
         } else if (*word == "--socket") {
             if (++word == arguments.end()) {
-                throw AgentCLIUsageError::missingValue("--socket");
+                throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"--socket"});
             }
             socketPath = *word;
         } else {
@@ -126,13 +130,6 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
     invocation.socketPath = socketPath ? *socketPath : defaultSocketPath();
     invocation.action = parseCommand(std::move(words), currentDirectory);
     return invocation;
-}
-
-std::vector<std::string_view> commandWords() {
-    std::vector<std::string_view> words(commands.size());
-    std::transform(commands.begin(), commands.end(), words.begin(),
-                   [](const Command& command) { return command.word; });
-    return words;
 }
 
 } // namespace fernlow

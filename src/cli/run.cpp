@@ -1,6 +1,7 @@
 #include "cli/run.h"
 
 #include "cli/help_text.h"
+#include "cli/action.h"
 #include "cli/invocation.h"
 #include "cli/output.h"
 #include "render/reply.h"
@@ -58,16 +59,16 @@ int perform(const AgentCLIInvocation& invocation, const RunSurroundings& surroun
         const AgentCLIInvocation& invocation;
         const RunSurroundings& surroundings;
 
-        int operator()(const AgentCLIAction::Help& /*help*/) const {
+        int operator()(const AgentCLIAction::help& /*help*/) const {
             return finish(surroundings, usageText(), 0);
         }
-        int operator()(const AgentCLIAction::Version& /*version*/) const {
+        int operator()(const AgentCLIAction::version& /*version*/) const {
             return finish(surroundings, version, 0);
         }
-        int operator()(const AgentCLIAction::Get& get) const {
+        int operator()(const AgentCLIAction::get& get) const {
             return performRequest(invocation, {"GET", get.path, {}}, surroundings);
         }
-        int operator()(const AgentCLIAction::Post& post) const {
+        int operator()(const AgentCLIAction::post& post) const {
             return performRequest(invocation, {"POST", post.path, post.body}, surroundings);
         }
     } const performer{invocation, surroundings};

@@ -1,48 +1,46 @@
-#include "cli/invocation.h"
+#include "cli/usage_error.h"
+
+#include <string_view>
+#include <utility>
 
 namespace fernlow {
 
 namespace {
 
-constexpr std::string_view seeHelp = " Run \"fernlow --help\" to see what there is.";
+constexpr const char* seeHelp = " Run \"fernlow --help\" to see what there is.";
 
 std::string quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-std::string withHelp(std::string sentence) {
-    return sentence.append(seeHelp);
-}
+struct Message {
+    std::string operator()(const AgentCLIUsageError::unknownCommand& error) const {
+        return "There is no " + quoted(error.word) + " command." + seeHelp;
+    }
+    std::string operator()(const AgentCLIUsageError::unknownOption& error) const {
+        return quoted(error.word) + " is not an option here." + seeHelp;
+    }
+    std::string operator()(const AgentCLIUsageError::missingValue& error) const {
+        return quoted(error.text) + " needs a value after it.";
+    }
+    std::string operator()(const AgentCLIUsageError::notANumber& error) const {
+        return quoted(error.option) + " needs a number, and " + quoted(error.value) +
+               " is not one.";
+    }
+    std::string operator()(const AgentCLIUsageError::missingPath& error) const {
+        return quoted(error.text) + " needs a path.";
+    }
+    std::string operator()(const AgentCLIUsageError::unexpectedArgument& error) const {
+        return quoted(error.word) + " was not expected here.";
+    }
+    std::string operator()(const AgentCLIUsageError::noCommand& /*error*/) const {
+        return std::string("No command given.") + seeHelp;
+    }
+};
 
 } // namespace
 
-AgentCLIUsageError AgentCLIUsageError::unknownCommand(std::string_view word) {
-    return AgentCLIUsageError(withHelp("There is no " + quoted(word) + " command."));
-}
-
-AgentCLIUsageError AgentCLIUsageError::unknownOption(std::string_view word) {
-    return AgentCLIUsageError(withHelp(quoted(word) + " is not an option here."));
-}
-
-AgentCLIUsageError AgentCLIUsageError::missingValue(std::string_view text) {
-    return AgentCLIUsageError(quoted(text) + " needs a value after it.");
-}
-
-AgentCLIUsageError AgentCLIUsageError::notANumber(std::string_view option, std::string_view value) {
-    return AgentCLIUsageError(quoted(option) + " needs a number, and " + quoted(value) +
-                              " is not one.");
-}
-
-AgentCLIUsageError AgentCLIUsageError::missingPath(std::string_view text) {
-    return AgentCLIUsageError(quoted(text) + " needs a path.");
-}
-
-AgentCLIUsageError AgentCLIUsageError::unexpectedArgument(std::string_view word) {
-    return AgentCLIUsageError(quoted(word) + " was not expected here.");
-}
-
-AgentCLIUsageError AgentCLIUsageError::noCommand() {
-    return AgentCLIUsageError(withHelp("No command given."));
-}
+AgentCLIUsageError::AgentCLIUsageError(Kind kind)
+    : kind_(std::move(kind)), message_(std::visit(Message(), kind_)) {}
 
 } // namespace fernlow

@@ -1,6 +1,6 @@
 #include "cli/words.h"
 
-#include "cli/invocation.h"
+#include "cli/usage_error.h"
 #include "json/number.h"
 #include "platform/platform.h"
 
@@ -124,7 +124,7 @@ std::optional<Number> WordList::takeNumber(std::string_view option,
     }
     const auto number = read(*text);
     if (!number) {
-        throw AgentCLIUsageError::notANumber(option, *text);
+        throw AgentCLIUsageError(AgentCLIUsageError::notANumber{std::string(option), *text});
     }
     return number;
 }
@@ -164,7 +164,7 @@ std::vector<std::string> WordList::takePaths(const CurrentDirectory& currentDire
         path = resolvePath(path, currentDirectory);
     }
     if (paths.empty() && need == Paths::required) {
-        throw AgentCLIUsageError::missingPath(description);
+        throw AgentCLIUsageError(AgentCLIUsageError::missingPath{std::string(description)});
     }
     return paths;
 }
@@ -179,14 +179,14 @@ void WordList::rejectLeftoverWords() const {
         return;
     }
     const std::string& word = words_.front();
-    throw word.starts_with('-') ? AgentCLIUsageError::unknownOption(word)
-                                : AgentCLIUsageError::unexpectedArgument(word);
+    throw word.starts_with('-') ? AgentCLIUsageError(AgentCLIUsageError::unknownOption{word})
+                                : AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{word});
 }
 
 void WordList::rejectUnknownOptions() const {
     for (const std::string& word : words_) {
         if (word.starts_with("--")) {
-            throw AgentCLIUsageError::unknownOption(word);
+            throw AgentCLIUsageError(AgentCLIUsageError::unknownOption{word});
         }
     }
 }

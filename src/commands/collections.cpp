@@ -28,7 +28,7 @@ struct CollectionOptions {
 
     [[nodiscard]] const std::string& requiredId() const {
         if (required("--id", id).empty()) {
-            throw AgentCLIUsageError::missingValue("--id");
+            throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"--id"});
         }
         return *id;
     }
@@ -68,7 +68,7 @@ AgentCLIAction parseCollectionRemove(WordList& words, const CollectionOptions& o
 AgentCLIAction parseCollectionMove(WordList& words, const CollectionOptions& options,
                                    const CurrentDirectory& currentDirectory) {
     if (!options.position) {
-        throw AgentCLIUsageError::missingValue("--position");
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"--position"});
     }
     AgentCollectionReorderRequest request;
     request.path = words.takePathOrCurrentDirectory(currentDirectory);
@@ -117,7 +117,7 @@ AgentCLIAction parseCollections(WordList& words, const CurrentDirectory& current
         words.rejectLeftoverWords();
         return post("/v1/collections/schema", AgentCollectionSchemaRequest{options.optionalKind()});
     }
-    throw AgentCLIUsageError::unknownCommand("collections " + *subcommand);
+    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"collections " + *subcommand});
 }
 
 } // namespace fernlow

@@ -26,7 +26,7 @@ struct AgentCollectionListRequest {
     std::string path;
     /// Absent means every kind.
     std::optional<AgentCollectionKind> kind;
-    FERNLOW_WIRE_FIELDS(path, kind)
+    FERNLOW_WIRE_RECORD(AgentCollectionListRequest, path, kind)
 };
 
 struct AgentCollectionAddRequest {
@@ -37,14 +37,15 @@ struct AgentCollectionAddRequest {
     SettingValues values;
     /// Always empty: a new row's settings are given through --values.
     SettingLiterals literals;
-    FERNLOW_WIRE_FIELDS(path, kind, buildStepType, fileExtension, values, literals)
+    FERNLOW_WIRE_RECORD(AgentCollectionAddRequest, path, kind, buildStepType, fileExtension, values,
+                        literals)
 };
 
 struct AgentCollectionRemoveRequest {
     std::string path;
     AgentCollectionKind kind = AgentCollectionKind::hooks;
     std::string id;
-    FERNLOW_WIRE_FIELDS(path, kind, id)
+    FERNLOW_WIRE_RECORD(AgentCollectionRemoveRequest, path, kind, id)
 };
 
 struct AgentCollectionReorderRequest {
@@ -53,7 +54,7 @@ struct AgentCollectionReorderRequest {
     std::string id;
     /// The new place, counting from zero.
     std::int64_t position = 0;
-    FERNLOW_WIRE_FIELDS(path, kind, id, position)
+    FERNLOW_WIRE_RECORD(AgentCollectionReorderRequest, path, kind, id, position)
 };
 
 struct AgentCollectionPatch {
@@ -62,13 +63,13 @@ struct AgentCollectionPatch {
     std::string id;
     SettingValues values;
     SettingLiterals literals;
-    FERNLOW_WIRE_FIELDS(path, kind, id, values, literals)
+    FERNLOW_WIRE_RECORD(AgentCollectionPatch, path, kind, id, values, literals)
 };
 
 struct AgentCollectionSchemaRequest {
     /// Absent means every kind.
     std::optional<AgentCollectionKind> kind;
-    FERNLOW_WIRE_FIELDS(kind)
+    FERNLOW_WIRE_RECORD(AgentCollectionSchemaRequest, kind)
 };
 
 AgentCLIAction parseCollections(WordList& words, const CurrentDirectory& currentDirectory);

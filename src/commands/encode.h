@@ -1,6 +1,7 @@
 #pragma once
 
-#include "cli/invocation.h"
+#include "cli/action.h"
+#include "commands/setting_values.h"
 #include "commands/wire_words.h"
 #include "json/writer.h"
 
@@ -17,17 +18,19 @@
 #include <variant>
 #include <vector>
 
-/// Names a record's fields in wire order, once: the names and the members come from one list. It
-/// stands in the record, behind its members.
-#define FERNLOW_WIRE_FIELDS(...)                                                                   \
+/// Makes the struct around it a request record: names its fields in wire order, once (the names and
+/// the members come from one list), and has two records compare field by field. It stands behind
+/// the members.
+#define FERNLOW_WIRE_RECORD(Record, ...)                                                           \
     static constexpr std::string_view wireFieldNames = #__VA_ARGS__;                               \
     auto wireFields() const {                                                                      \
         return std::tie(__VA_ARGS__);                                                              \
-    }
+    }                                                                                              \
+    bool operator==(const Record&) const = default;
 
 namespace fernlow {
 
-/// A request record: a struct with FERNLOW_WIRE_FIELDS.
+/// A request record: a struct with FERNLOW_WIRE_RECORD.
 template <class Type>
 concept WireRecord = requires(const Type& record) {
     { Type::wireFieldNames } -> std::convertible_to<std::string_view>;
@@ -77,15 +80,20 @@ private:
     }
     void value(std::string_view name, double value) { json::appendDecimal(out_, value, name); }
     void value(std::string_view /*name*/, std::string_view value) { json::appendText(out_, value); }
-    void value(std::string_view /*name*/, std::monostate /*absent*/) { out_ += "null"; }
 
     template <Worded Enumeration>
     void value(std::string_view /*name*/, Enumeration value) {
         json::appendText(out_, wireWord(value));
     }
-    template <class... Cases>
-    void value(std::string_view name, const std::variant<Cases...>& cases) {
-        std::visit([&](const auto& payload) { value(name, payload); }, cases);
+    void value(std::string_view name, const AgentSettingValue& setting) {
+        std::visit([&](const auto& kind) { payload(name, kind); }, setting.kind);
+    }
+    template <class Kind>
+    void payload(std::string_view name, const Kind& kind) {
+        value(name, kind.value);
+    }
+    void payload(std::string_view /*name*/, const AgentSettingValue::absent& /*kind*/) {
+        out_ += "null";
     }
     template <class Element>
     void value(std::string_view name, const std::vector<Element>& elements) {
@@ -120,7 +128,7 @@ std::string encode(const Record& record) {
 /// The action that posts a record.
 template <WireRecord Record>
 AgentCLIAction post(std::string_view path, const Record& record) {
-    return {AgentCLIAction::Post{std::string(path), encode(record)}};
+    return {AgentCLIAction::post{std::string(path), encode(record)}};
 }
 
 } // namespace fernlow

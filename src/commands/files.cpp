@@ -66,10 +66,10 @@ std::string takeFileWord(std::vector<std::string>& words) {
         });
     const auto files = std::distance(settingsEnd, words.end());
     if (files == 0) {
-        throw AgentCLIUsageError::missingPath("files set");
+        throw AgentCLIUsageError(AgentCLIUsageError::missingPath{"files set"});
     }
     if (files > 1) {
-        throw AgentCLIUsageError::unexpectedArgument(settingsEnd[1]);
+        throw AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{settingsEnd[1]});
     }
     std::string file = std::move(*settingsEnd);
     words.pop_back();
@@ -86,7 +86,7 @@ AgentCLIAction parseFileSet(WordList& words, const FilesOptions& options,
     // A name alone changes nothing: without a folder the application has nowhere to apply it.
     if (patch.literals.empty() && patch.values.empty() && !options.action &&
         !options.outputFolder) {
-        throw AgentCLIUsageError::missingValue("files set");
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"files set"});
     }
     patch.path = resolvePath(file, currentDirectory);
     patch.outputAction = namedCase<AgentOutputAction>("--action", options.action);
@@ -104,7 +104,7 @@ AgentCLIAction parseFileSchema(WordList& words, const FilesOptions& options,
     if (!paths.empty()) {
         request.path = paths.front();
     } else if (!options.language) {
-        throw AgentCLIUsageError::missingValue("files schema");
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"files schema"});
     }
     request.language = options.language;
     return post("/v1/files/schema", request);
@@ -142,7 +142,7 @@ AgentCLIAction parseFiles(WordList& words, const CurrentDirectory& currentDirect
     if (*subcommand == "schema") {
         return parseFileSchema(words, options, currentDirectory);
     }
-    throw AgentCLIUsageError::unknownCommand("files " + *subcommand);
+    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"files " + *subcommand});
 }
 
 } // namespace fernlow

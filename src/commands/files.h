@@ -29,8 +29,8 @@ struct AgentFileListRequest {
     bool includeShadowItems = false;
     std::int64_t limit = 0;
     std::int64_t offset = 0;
-    FERNLOW_WIRE_FIELDS(path, language, outputAction, includeFolders, includeShadowItems, limit,
-                        offset)
+    FERNLOW_WIRE_RECORD(AgentFileListRequest, path, language, outputAction, includeFolders,
+                        includeShadowItems, limit, offset)
 };
 
 struct AgentFilePatch {
@@ -41,14 +41,15 @@ struct AgentFilePatch {
     std::optional<std::string> outputFilename;
     SettingValues values;
     SettingLiterals literals;
-    FERNLOW_WIRE_FIELDS(path, outputAction, outputFolder, outputFilename, values, literals)
+    FERNLOW_WIRE_RECORD(AgentFilePatch, path, outputAction, outputFolder, outputFilename, values,
+                        literals)
 };
 
 /// A file, or every file of a language.
 struct AgentFileSchemaRequest {
     std::optional<std::string> path;
     std::optional<std::string> language;
-    FERNLOW_WIRE_FIELDS(path, language)
+    FERNLOW_WIRE_RECORD(AgentFileSchemaRequest, path, language)
 };
 
 struct AgentSkipFoldersRequest {
@@ -56,7 +57,7 @@ struct AgentSkipFoldersRequest {
     bool skipped = false;
     bool wait = true;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(paths, skipped, wait, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentSkipFoldersRequest, paths, skipped, wait, timeoutSeconds)
 };
 
 AgentCLIAction parseFiles(WordList& words, const CurrentDirectory& currentDirectory);

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "cli/invocation.h"
+#include "cli/usage_error.h"
+#include "cli/words.h"
 #include "commands/wire_words.h"
 
 #include <optional>
@@ -26,7 +27,7 @@ inline std::string takeProjectOption(WordList& words, const CurrentDirectory& cu
 inline const std::string& required(std::string_view option,
                                    const std::optional<std::string>& value) {
     if (!value) {
-        throw AgentCLIUsageError::missingValue(option);
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{std::string(option)});
     }
     return *value;
 }
@@ -36,7 +37,8 @@ template <Worded Enumeration>
 Enumeration namedCase(std::string_view option, std::string_view value) {
     const auto named = fromWireWord<Enumeration>(value);
     if (!named) {
-        throw AgentCLIUsageError::notANumber(option, value);
+        throw AgentCLIUsageError(
+            AgentCLIUsageError::notANumber{std::string(option), std::string(value)});
     }
     return *named;
 }

@@ -28,7 +28,8 @@ std::optional<std::vector<AgentDependencyList>> takeDependencyLists(WordList& wo
         const auto piece = std::string_view(*value).substr(begin, end - begin);
         const auto list = fromWireWord<AgentDependencyList>(trimmed(piece));
         if (!list) {
-            throw AgentCLIUsageError::notANumber(option, piece);
+            throw AgentCLIUsageError(
+                AgentCLIUsageError::notANumber{std::string(option), std::string(piece)});
         }
         lists.push_back(*list);
         begin = end + 1;
@@ -47,11 +48,11 @@ std::optional<bool> takeChoice(WordList& words, std::string_view flag, std::stri
 AgentPackageAction takePackageAction(WordList& words) {
     const auto word = words.takeFirstWord();
     if (!word) {
-        throw AgentCLIUsageError::missingValue("packages");
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"packages"});
     }
     const auto action = fromWireWord<AgentPackageAction>(*word);
     if (!action) {
-        throw AgentCLIUsageError::unknownCommand("packages " + *word);
+        throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"packages " + *word});
     }
     return *action;
 }

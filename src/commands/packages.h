@@ -41,8 +41,8 @@ struct AgentPackageRequest {
     bool raiseVersionLimits = false;
     bool wait = true;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(path, action, packages, install, saveTo, exactVersions, updatePackageLock,
-                        raiseVersionLimits, wait, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentPackageRequest, path, action, packages, install, saveTo, exactVersions,
+                        updatePackageLock, raiseVersionLimits, wait, timeoutSeconds)
 };
 
 struct AgentPreviewRequest {
@@ -50,7 +50,7 @@ struct AgentPreviewRequest {
     std::optional<std::string> browserBundleID;
     /// Below the preview root.
     std::optional<std::string> relativePath;
-    FERNLOW_WIRE_FIELDS(address, browserBundleID, relativePath)
+    FERNLOW_WIRE_RECORD(AgentPreviewRequest, address, browserBundleID, relativePath)
 };
 
 AgentCLIAction parsePackages(WordList& words, const CurrentDirectory& currentDirectory);

@@ -29,11 +29,11 @@ AgentCLIAction parseDisable(WordList& words, const CurrentDirectory& currentDire
 AgentCLIAction parseWatch(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
     const auto word = words.takeFirstWord();
     if (!word) {
-        throw AgentCLIUsageError::missingValue("watch");
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"watch"});
     }
     words.rejectLeftoverWords();
     if (*word != "pause" && *word != "resume") {
-        throw AgentCLIUsageError::unknownCommand("watch " + *word);
+        throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"watch " + *word});
     }
     return post("/v1/watching", AgentWatchingRequest{*word == "pause"});
 }
@@ -48,7 +48,8 @@ std::string takeGroupName(WordList& words, const std::optional<std::string>& nam
     }
     auto name = words.takeFirstWord();
     if (!name || name->empty()) {
-        throw AgentCLIUsageError::missingValue("a group name for \"" + command + "\"");
+        throw AgentCLIUsageError(
+            AgentCLIUsageError::missingValue{"a group name for \"" + command + "\""});
     }
     return *std::move(name);
 }
@@ -58,7 +59,8 @@ AgentCLIAction parseGroupRename(WordList& words, const std::optional<std::string
     request.name = takeGroupName(words, nameOption, "groups rename");
     request.newName = words.takeFirstWord().value_or("");
     if (request.newName.empty()) {
-        throw AgentCLIUsageError::missingValue("a new name for \"" + request.name + "\"");
+        throw AgentCLIUsageError(
+            AgentCLIUsageError::missingValue{"a new name for \"" + request.name + "\""});
     }
     return post("/v1/groups/rename", request);
 }
@@ -70,7 +72,7 @@ AgentCLIAction parseGroups(WordList& words, const CurrentDirectory& /*currentDir
     const auto subcommand = words.takeFirstWord();
     if (!subcommand) {
         words.rejectLeftoverWords();
-        return {AgentCLIAction::Get{"/v1/groups"}};
+        return {AgentCLIAction::get{"/v1/groups"}};
     }
     // Unlike everywhere else, words left over behind a group's name are ignored.
     if (*subcommand == "add") {
@@ -84,7 +86,7 @@ AgentCLIAction parseGroups(WordList& words, const CurrentDirectory& /*currentDir
     if (*subcommand == "rename") {
         return parseGroupRename(words, nameOption);
     }
-    throw AgentCLIUsageError::unknownCommand("groups " + *subcommand);
+    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"groups " + *subcommand});
 }
 
 AgentCLIAction parseMove(WordList& words, const CurrentDirectory& currentDirectory) {

@@ -12,54 +12,54 @@ namespace fernlow {
 
 struct AgentPathRequest {
     std::string path;
-    FERNLOW_WIRE_FIELDS(path)
+    FERNLOW_WIRE_RECORD(AgentPathRequest, path)
 };
 
 struct AgentEnabledRequest {
     std::string path;
     bool enabled = false;
-    FERNLOW_WIRE_FIELDS(path, enabled)
+    FERNLOW_WIRE_RECORD(AgentEnabledRequest, path, enabled)
 };
 
 struct AgentAddProjectRequest {
     std::string path;
     bool asFramework = false;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(path, asFramework, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentAddProjectRequest, path, asFramework, timeoutSeconds)
 };
 
 struct AgentWatchingRequest {
     bool paused = false;
-    FERNLOW_WIRE_FIELDS(paused)
+    FERNLOW_WIRE_RECORD(AgentWatchingRequest, paused)
 };
 
 struct AgentGroupAddRequest {
     std::string name;
-    FERNLOW_WIRE_FIELDS(name)
+    FERNLOW_WIRE_RECORD(AgentGroupAddRequest, name)
 };
 
 struct AgentGroupRemoveRequest {
     std::string name;
-    FERNLOW_WIRE_FIELDS(name)
+    FERNLOW_WIRE_RECORD(AgentGroupRemoveRequest, name)
 };
 
 struct AgentGroupRenameRequest {
     std::string name;
     std::string newName;
-    FERNLOW_WIRE_FIELDS(name, newName)
+    FERNLOW_WIRE_RECORD(AgentGroupRenameRequest, name, newName)
 };
 
 struct AgentProjectMoveRequest {
     std::string path;
     /// Absent means the permanent Projects group.
     std::optional<std::string> group;
-    FERNLOW_WIRE_FIELDS(path, group)
+    FERNLOW_WIRE_RECORD(AgentProjectMoveRequest, path, group)
 };
 
 struct AgentProjectRenameRequest {
     std::string path;
     std::string name;
-    FERNLOW_WIRE_FIELDS(path, name)
+    FERNLOW_WIRE_RECORD(AgentProjectRenameRequest, path, name)
 };
 
 AgentCLIAction parseAdd(WordList& words, const CurrentDirectory& currentDirectory);

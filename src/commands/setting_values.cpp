@@ -1,6 +1,6 @@
 #include "commands/setting_values.h"
 
-#include "cli/invocation.h"
+#include "cli/usage_error.h"
 #include "json/document.h"
 #include "json/number.h"
 
@@ -13,22 +13,22 @@ namespace {
 /// Nothing when the JSON value is of a form that no setting has.
 std::optional<AgentSettingValue> decodeSettingValue(const json::Value& value) {
     if (value.isNull()) {
-        return std::monostate();
+        return AgentSettingValue{AgentSettingValue::absent{}};
     }
     if (const auto texts = value.texts()) {
-        return std::vector<std::string>(texts->begin(), texts->end());
+        return AgentSettingValue{AgentSettingValue::list{{texts->begin(), texts->end()}}};
     }
     if (const auto boolean = value.strictBoolean()) {
-        return *boolean;
+        return AgentSettingValue{AgentSettingValue::boolean{*boolean}};
     }
     if (const auto integer = value.integer()) {
-        return *integer;
+        return AgentSettingValue{AgentSettingValue::integer{*integer}};
     }
     if (const auto literal = value.numberLiteral()) {
-        return json::nearestDouble(*literal);
+        return AgentSettingValue{AgentSettingValue::decimal{json::nearestDouble(*literal)}};
     }
     if (const auto text = value.text()) {
-        return std::string(*text);
+        return AgentSettingValue{AgentSettingValue::text{std::string(*text)}};
     }
     return std::nullopt;
 }
@@ -57,7 +57,7 @@ SettingLiterals parseLiteralWords(const std::vector<std::string>& words) {
     for (const std::string& word : words) {
         const std::size_t equals = word.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw AgentCLIUsageError::unexpectedArgument(word);
+            throw AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{word});
         }
         literals.insert_or_assign(word.substr(0, equals), word.substr(equals + 1));
     }
@@ -70,7 +70,7 @@ SettingValues decodeValuesOption(const std::optional<std::string>& text) {
     }
     auto values = decodeSettingValues(*text);
     if (!values) {
-        throw AgentCLIUsageError::notANumber("--values", *text);
+        throw AgentCLIUsageError(AgentCLIUsageError::notANumber{"--values", *text});
     }
     return *std::move(values);
 }
@@ -81,7 +81,7 @@ SettingChanges takeChanges(WordList& words, const std::optional<std::string>& va
     changes.literals = parseLiteralWords(words.takeRemainingWords());
     changes.values = decodeValuesOption(values);
     if (changes.literals.empty() && changes.values.empty()) {
-        throw AgentCLIUsageError::missingValue(command);
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{command});
     }
     return changes;
 }

@@ -11,10 +11,37 @@
 
 namespace fernlow {
 
-/// The value of a setting as JSON types it: boolean, integer, decimal, text, list of texts, or
-/// absent (null).
-using AgentSettingValue =
-    std::variant<bool, std::int64_t, double, std::string, std::vector<std::string>, std::monostate>;
+/// The value of a setting as JSON types it.
+struct AgentSettingValue {
+    struct boolean {
+        bool value = false;
+        bool operator==(const boolean&) const = default;
+    };
+    struct integer {
+        std::int64_t value = 0;
+        bool operator==(const integer&) const = default;
+    };
+    struct decimal {
+        double value = 0;
+        bool operator==(const decimal&) const = default;
+    };
+    struct text {
+        std::string value;
+        bool operator==(const text&) const = default;
+    };
+    struct list {
+        std::vector<std::string> value;
+        bool operator==(const list&) const = default;
+    };
+    /// JSON's null.
+    struct absent {
+        bool operator==(const absent&) const = default;
+    };
+
+    std::variant<boolean, integer, decimal, text, list, absent> kind;
+
+    bool operator==(const AgentSettingValue&) const = default;
+};
 
 using SettingValues = std::map<std::string, AgentSettingValue>;
 using SettingLiterals = std::map<std::string, std::string>;

@@ -75,7 +75,7 @@ AgentCLIAction parseSettings(WordList& words, const CurrentDirectory& currentDir
     if (*subcommand == "apply-output-paths") {
         return parseApplyOutputPaths(words, options, currentDirectory);
     }
-    throw AgentCLIUsageError::unknownCommand("settings " + *subcommand);
+    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"settings " + *subcommand});
 }
 
 AgentCLIAction parseDefaults(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
@@ -84,7 +84,7 @@ AgentCLIAction parseDefaults(WordList& words, const CurrentDirectory& /*currentD
     const auto subcommand = words.takeFirstWord();
     if (!subcommand) {
         words.rejectLeftoverWords();
-        return {AgentCLIAction::Get{"/v1/defaults"}};
+        return {AgentCLIAction::get{"/v1/defaults"}};
     }
     if (*subcommand == "set") {
         return parseDefaultsSet(words, language, values);
@@ -93,7 +93,7 @@ AgentCLIAction parseDefaults(WordList& words, const CurrentDirectory& /*currentD
         words.rejectLeftoverWords();
         return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{language});
     }
-    throw AgentCLIUsageError::unknownCommand("defaults " + *subcommand);
+    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"defaults " + *subcommand});
 }
 
 } // namespace fernlow

@@ -22,13 +22,14 @@ struct AgentSettingsPatch {
     std::optional<std::string> row;
     SettingValues values;
     SettingLiterals literals;
-    FERNLOW_WIRE_FIELDS(path, language, fileExtension, group, row, values, literals)
+    FERNLOW_WIRE_RECORD(AgentSettingsPatch, path, language, fileExtension, group, row, values,
+                        literals)
 };
 
 struct AgentSettingsSchemaRequest {
     std::string path;
     std::optional<std::string> language;
-    FERNLOW_WIRE_FIELDS(path, language)
+    FERNLOW_WIRE_RECORD(AgentSettingsSchemaRequest, path, language)
 };
 
 struct AgentApplyOutputPathsRequest {
@@ -36,19 +37,19 @@ struct AgentApplyOutputPathsRequest {
     std::string language;
     std::optional<std::string> fileExtension;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(path, language, fileExtension, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentApplyOutputPathsRequest, path, language, fileExtension, timeoutSeconds)
 };
 
 struct AgentDefaultsPatch {
     std::optional<std::string> language;
     SettingValues values;
     SettingLiterals literals;
-    FERNLOW_WIRE_FIELDS(language, values, literals)
+    FERNLOW_WIRE_RECORD(AgentDefaultsPatch, language, values, literals)
 };
 
 struct AgentDefaultsSchemaRequest {
     std::optional<std::string> language;
-    FERNLOW_WIRE_FIELDS(language)
+    FERNLOW_WIRE_RECORD(AgentDefaultsSchemaRequest, language)
 };
 
 AgentCLIAction parseSettings(WordList& words, const CurrentDirectory& currentDirectory);

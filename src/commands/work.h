@@ -36,7 +36,7 @@ struct AgentProcessRequest {
     bool wait = true;
     std::int64_t settleMilliseconds = defaultSettleMilliseconds;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(paths, mode, wait, settleMilliseconds, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentProcessRequest, paths, mode, wait, settleMilliseconds, timeoutSeconds)
 };
 
 struct AgentWaitRequest {
@@ -44,7 +44,7 @@ struct AgentWaitRequest {
     std::optional<std::uint64_t> since;
     std::int64_t settleMilliseconds = defaultSettleMilliseconds;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(projectPath, since, settleMilliseconds, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentWaitRequest, projectPath, since, settleMilliseconds, timeoutSeconds)
 };
 
 struct AgentLogQuery {
@@ -52,7 +52,7 @@ struct AgentLogQuery {
     std::int64_t limit = 0;
     std::optional<std::string> projectPath;
     std::optional<AgentLogSeverity> minimumSeverity;
-    FERNLOW_WIRE_FIELDS(since, limit, projectPath, minimumSeverity)
+    FERNLOW_WIRE_RECORD(AgentLogQuery, since, limit, projectPath, minimumSeverity)
 };
 
 struct AgentBuildRequest {
@@ -61,7 +61,7 @@ struct AgentBuildRequest {
     std::optional<bool> clean;
     bool wait = true;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(path, clean, wait, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentBuildRequest, path, clean, wait, timeoutSeconds)
 };
 
 struct AgentRefreshRequest {
@@ -70,7 +70,7 @@ struct AgentRefreshRequest {
     bool wait = true;
     std::int64_t settleMilliseconds = defaultSettleMilliseconds;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(path, wait, settleMilliseconds, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentRefreshRequest, path, wait, settleMilliseconds, timeoutSeconds)
 };
 
 struct AgentOptimizeRequest {
@@ -78,7 +78,7 @@ struct AgentOptimizeRequest {
     bool wait = true;
     std::int64_t settleMilliseconds = defaultSettleMilliseconds;
     double timeoutSeconds = defaultTimeoutSeconds;
-    FERNLOW_WIRE_FIELDS(paths, wait, settleMilliseconds, timeoutSeconds)
+    FERNLOW_WIRE_RECORD(AgentOptimizeRequest, paths, wait, settleMilliseconds, timeoutSeconds)
 };
 
 /// The same four fields, for "check".

@@ -2,7 +2,7 @@
 
 #include "json/document.h"
 #include "json/number.h"
-#include "transport/socket_client.h"
+#include "transport/socket_client_error.h"
 
 namespace fernlow {
 
@@ -40,14 +40,14 @@ AgentReply parseReply(ByteBuffer bytes) {
     const std::string_view all = bytes.view();
     const std::size_t headEnd = all.find(blankLine);
     if (headEnd == std::string_view::npos) {
-        throw AgentSocketClientError::malformedResponse();
+        throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
     }
     std::string_view head = all.substr(0, headEnd);
     std::string_view statusLine = takePiece(head, lineBreak);
     takePiece(statusLine, " ");
     const auto statusCode = json::readInteger(takePiece(statusLine, " "));
     if (!statusCode) {
-        throw AgentSocketClientError::malformedResponse();
+        throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
     }
     bytes.removePrefix(headEnd + blankLine.size());
     return {*statusCode, std::move(bytes)};

@@ -14,8 +14,12 @@ struct LaunchSettings {
     std::chrono::milliseconds patience{25000};
 };
 
+/// Tells whether connections to the socket at a path are accepted.
+using SocketProbe = bool (*)(const std::string& socketPath);
+
 /// Has the system start the application in the background, and waits until its socket accepts a
 /// connection or patience runs out. Never fails: whoever connects next finds out.
-void launchApplication(const std::string& socketPath, const LaunchSettings& settings);
+void launchApplication(const std::string& socketPath, const LaunchSettings& settings,
+                       SocketProbe somebodyListens);
 
 } // namespace fernlow

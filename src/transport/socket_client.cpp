@@ -1,6 +1,7 @@
 #include "transport/socket_client.h"
 
 #include "platform/platform.h"
+#include "transport/socket_client_error.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
+#include <variant>
 
 namespace fernlow {
 
@@ -52,7 +55,7 @@ void writeAll(const SocketDescriptor& socket, std::string_view bytes) {
         const ssize_t written =
             platform::sendWithoutSignal(socket.get(), bytes.data(), bytes.size());
         if (written <= 0) {
-            throw AgentSocketClientError::writeFailed();
+            throw AgentSocketClientError(AgentSocketClientError::writeFailed{});
         }
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -63,15 +66,24 @@ ByteBuffer readToEnd(const SocketDescriptor& socket) {
     for (;;) {
         const ssize_t count = ::read(socket.get(), bytes.room(readSize), readSize);
         if (count < 0) {
-            throw AgentSocketClientError::readFailed();
+            throw AgentSocketClientError(AgentSocketClientError::readFailed{});
         }
         if (count == 0) {
             return bytes;
         }
         bytes.commit(static_cast<std::size_t>(count));
         if (bytes.view().size() > longestReply) {
-            throw AgentSocketClientError::malformedResponse();
+            throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
         }
+    }
+}
+
+bool somebodyListens(const std::string& socketPath) {
+    try {
+        AgentSocketClient::connect(socketPath, 0);
+        return true;
+    } catch (const AgentSocketClientError&) {
+        return false;
     }
 }
 
@@ -97,7 +109,8 @@ SocketDescriptor::~SocketDescriptor() {
 SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
                                             double replyTimeoutSeconds) {
     if (socketPath.size() > longestSocketPath) {
-        throw AgentSocketClientError::pathTooLong(socketPath, longestSocketPath);
+        throw AgentSocketClientError(
+            AgentSocketClientError::pathTooLong{socketPath, longestSocketPath});
     }
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -106,7 +119,7 @@ SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
     SocketDescriptor socket(openSocket());
     // Linux would take an empty path for an abstract address, which somebody else may listen on.
     if (socket.get() < 0 || socketPath.empty()) {
-        throw AgentSocketClientError::notRunning(socketPath);
+        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
     platform::prepareSocket(socket.get());
     const timeval timeout = socketTimeout(replyTimeoutSeconds);
@@ -115,7 +128,7 @@ SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
     // The whole structure's length is passed, not the path's: the zero bytes behind the path end
     // it. The length byte that the structure begins with on macOS is not looked at there.
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        throw AgentSocketClientError::notRunning(socketPath);
+        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
     return socket;
 }
@@ -125,11 +138,12 @@ AgentReply AgentSocketClient::exchange(const std::string& socketPath, bool launc
     try {
         return attempt(socketPath, request);
     } catch (const AgentSocketClientError& error) {
-        if (!launchIfNeeded || !error.isNotRunning()) {
+        if (!launchIfNeeded ||
+            !std::holds_alternative<AgentSocketClientError::notRunning>(error.kind())) {
             throw;
         }
     }
-    launchApplication(socketPath, launch_);
+    launchApplication(socketPath, launch_, somebodyListens);
     return attempt(socketPath, request);
 }
 

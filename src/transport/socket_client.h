@@ -3,43 +3,10 @@
 #include "transport/http.h"
 #include "transport/launcher.h"
 
-#include <exception>
 #include <string>
 #include <utility>
 
 namespace fernlow {
-
-/// The application could not be reached, or answered badly. Two are equal when their cases and
-/// payloads are.
-class AgentSocketClientError : public std::exception {
-public:
-    static AgentSocketClientError notRunning(const std::string& path);
-    /// `limit` is the longest path that fits, in bytes.
-    static AgentSocketClientError pathTooLong(const std::string& path, int limit);
-    static AgentSocketClientError writeFailed();
-    static AgentSocketClientError readFailed();
-    static AgentSocketClientError malformedResponse();
-
-    [[nodiscard]] bool isNotRunning() const { return case_ == Case::notRunning; }
-
-    /// The sentence for the user.
-    [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
-
-    friend bool operator==(const AgentSocketClientError& one, const AgentSocketClientError& other) {
-        return one.case_ == other.case_ && one.path_ == other.path_ &&
-               one.message_ == other.message_;
-    }
-
-private:
-    enum class Case { notRunning, pathTooLong, writeFailed, readFailed, malformedResponse };
-
-    AgentSocketClientError(Case kind, std::string path, std::string message)
-        : case_(kind), path_(std::move(path)), message_(std::move(message)) {}
-
-    Case case_;
-    std::string path_;
-    std::string message_;
-};
 
 /// An open socket, closed when it goes.
 class SocketDescriptor {

@@ -1,31 +1,34 @@
-#include "transport/socket_client.h"
+#include "transport/socket_client_error.h"
+
+#include <utility>
 
 namespace fernlow {
 
-AgentSocketClientError AgentSocketClientError::notRunning(const std::string& path) {
-    return {Case::notRunning, path,
-            "Fernlow is not running, or it is not listening for agents. Open Fernlow and try "
-            "again."};
-}
+namespace {
 
-AgentSocketClientError AgentSocketClientError::pathTooLong(const std::string& path, int limit) {
-    return {Case::pathTooLong, path,
-            "That socket path is too long. The limit is " + std::to_string(limit) +
-                " characters:\n\n" + path};
-}
+struct Message {
+    std::string operator()(const AgentSocketClientError::notRunning& /*error*/) const {
+        return "Fernlow is not running, or it is not listening for agents. Open Fernlow and try "
+               "again.";
+    }
+    std::string operator()(const AgentSocketClientError::pathTooLong& error) const {
+        return "That socket path is too long. The limit is " + std::to_string(error.limit) +
+               " characters:\n\n" + error.path;
+    }
+    std::string operator()(const AgentSocketClientError::writeFailed& /*error*/) const {
+        return "The request could not be sent to Fernlow.";
+    }
+    std::string operator()(const AgentSocketClientError::readFailed& /*error*/) const {
+        return "Fernlow stopped answering partway through its reply.";
+    }
+    std::string operator()(const AgentSocketClientError::malformedResponse& /*error*/) const {
+        return "Something answered on Fernlow's socket, but not with a reply Fernlow would send.";
+    }
+};
 
-AgentSocketClientError AgentSocketClientError::writeFailed() {
-    return {Case::writeFailed, {}, "The request could not be sent to Fernlow."};
-}
+} // namespace
 
-AgentSocketClientError AgentSocketClientError::readFailed() {
-    return {Case::readFailed, {}, "Fernlow stopped answering partway through its reply."};
-}
-
-AgentSocketClientError AgentSocketClientError::malformedResponse() {
-    return {Case::malformedResponse,
-            {},
-            "Something answered on Fernlow's socket, but not with a reply Fernlow would send."};
-}
+AgentSocketClientError::AgentSocketClientError(Kind kind)
+    : kind_(std::move(kind)), message_(std::visit(Message(), kind_)) {}
 
 } // namespace fernlow

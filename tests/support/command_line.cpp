@@ -27,12 +27,12 @@ std::vector<std::string> splitWords(std::string_view line) {
 
 std::string outcome(std::string_view line, const std::string& currentDirectory) {
     struct {
-        std::string operator()(const AgentCLIAction::Get& get) const { return "GET " + get.path; }
-        std::string operator()(const AgentCLIAction::Post& post) const {
+        std::string operator()(const AgentCLIAction::get& get) const { return "GET " + get.path; }
+        std::string operator()(const AgentCLIAction::post& post) const {
             return "POST " + post.path + " " + post.body;
         }
-        std::string operator()(const AgentCLIAction::Help& /*help*/) const { return "help"; }
-        std::string operator()(const AgentCLIAction::Version& /*version*/) const {
+        std::string operator()(const AgentCLIAction::help& /*help*/) const { return "help"; }
+        std::string operator()(const AgentCLIAction::version& /*version*/) const {
             return "version";
         }
     } const describe;

@@ -23,6 +23,7 @@
 #include "support/command_line.h"
 #include "support/temporary_folder.h"
 #include "transport/socket_client.h"
+#include "transport/socket_client_error.h"
 
 namespace fernlow::test {
 

@@ -3,6 +3,7 @@
 #include "platform/platform.h"
 #include "support/seeds.h"
 #include "transport/socket_client.h"
+#include "transport/socket_client_error.h"
 
 #include <poll.h>
 #include <sys/socket.h>
