@@ -114,6 +114,7 @@ constexpr Case packageLines[] = {
 constexpr Case settingsLines[] = {
     {"settings", R"(POST /v1/settings {"path":"/p/src"})"},
     {"settings ./a ../b", R"(POST /v1/settings {"path":"/p/src/a"})"},
+    {"settings ./a=b/c /d=e ~/f=g", R"(POST /v1/settings {"path":"/p/src/a=b/c"})"},
     {"settings --language sass a/b --values [ --extension x",
      R"(POST /v1/settings {"path":"/p/src/a/b"})"},
     {"settings set z=1 --path ../site a=b --extension x 'a= c=d' --language sass -k=",

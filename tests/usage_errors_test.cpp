@@ -124,6 +124,8 @@ TEST(UsageErrors, SettingsAndDefaults) {
     expectMessages({
         {"settings frobnicate --x", noSuchCommand("settings frobnicate")},
         {"settings ./x set a=b", noSuchCommand("settings ./x")},
+        {"settings sourceFolderName=src/x", noSuchCommand("settings sourceFolderName=src/x")},
+        {"settings ./x a=b/c", noSuchCommand("settings ./x")},
         {"settings --path /x", noSuchCommand("settings /x")},
         {"settings ./x --path", notAnOption("--path")},
         {"settings set word --path", notAnOption("--path")},

@@ -7,7 +7,11 @@ namespace fernlow {
 namespace {
 
 bool looksLikePath(const std::string& word) {
-    return word.starts_with('~') || word.starts_with('.') || word.find('/') != std::string::npos;
+    if (word.starts_with('/') || word.starts_with('~') || word.starts_with('.')) {
+        return true;
+    }
+    // A "/" behind a "=" is that of a setting's value, where "set" was forgotten.
+    return word.find('/') != std::string::npos && word.find('=') == std::string::npos;
 }
 
 } // namespace
