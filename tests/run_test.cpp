@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,6 +67,70 @@ TEST(Run, WritesRefusalsToStandardErrorInBothForms) {
     terminal.inTerminal = true;
     EXPECT_EQ(runProgram(terminal), (Outcome{"No such project.\r\n", "", 5}));
 }
+
+TEST(Run, MakesControlCharactersVisibleInATerminal) {
+    const struct {
+        const char* typed;
+        const char* shown;
+    } cases[] = {
+        {"caf\u00e9\t\u2192 \x1B[1;31mred\x1B[m\x1B[0m",
+         "caf\u00e9\t\u2192 \x1B[1;31mred\x1B[m\x1B[0m"},
+        {"\x1B]52;c;AA\x07 \x1B[2J", "\uFFFD]52;c;AA\uFFFD \uFFFD[2J"},
+        {"\x1B[31\x1B[31m\x1B[3\u00e9m\x1B[", "\uFFFD[31\x1B[31m\uFFFD[3\u00e9m\uFFFD["},
+        {"a\r\nb\rc\r\r\n", "a\r\r\nb\uFFFDc\uFFFD\r\r\n"},
+        {"\x01\x1F \x7F~", "\uFFFD\uFFFD \uFFFD~"},
+        {"\u007f\u0080\u009f\u00a0", "\uFFFD\uFFFD\uFFFD\u00a0"},
+        {"\u2029\u202a\u202e\u202f\u2065\u2066\u2069\u206a",
+         "\u2029\uFFFD\uFFFD\u202f\u2065\uFFFD\uFFFD\u206a"},
+        {"\x9B"
+         "2J \xC3\x9B \xC3(\xE2\x80",
+         "\uFFFD2J \u00db \xC3(\xE2\x80"},
+        {"\x1B", "\uFFFD"},
+    };
+    for (const auto& [typed, shown] : cases) {
+        ProgramRun run{{typed}};
+        EXPECT_EQ(runProgram(run).standardError.find(typed), 13U) << "untouched in a pipe";
+        run.inTerminal = true;
+        EXPECT_EQ(runProgram(run).standardOutput,
+                  "There is no \"" + std::string(shown) +
+                      "\" command. Run \"fernlow --help\" to see what there is.\r\n");
+    }
+}
+
+TEST(Run, ShowsRepliesHarmlesslyButLeavesJSONAlone) {
+    const std::string body = "{\"ok\":true,\"result\":[{\"name\":\"\u009b2J\\u001b]0;x\\r\"}]}";
+    AnsweringPeer peer(body, 2);
+    auto run = peer.run({"projects"});
+    run.inTerminal = true;
+    EXPECT_EQ(runProgram(run).standardOutput, "\uFFFD2J\uFFFD]0;x\uFFFD  [OFF]\r\n  \r\n");
+    run.arguments.emplace_back("--json");
+    EXPECT_EQ(runProgram(run).standardOutput, body + "\r\n");
+}
+
+// macOS has no limit to set, and the sanitizer reserves terabytes for itself.
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
+TEST(Run, SaysWhenThereIsNotEnoughMemory) {
+    static rlim_t limit = 0;
+    const std::vector<std::string> words(15, std::string(100000, 'x'));
+    const std::string unknown = "There is no \"" + words.front() +
+                                "\" command. Run \"fernlow --help\" to see what there is.\n";
+    bool reported = false;
+    for (limit = rlim_t{4} << 20U; limit < rlim_t{24} << 20U; limit += rlim_t{256} << 10U) {
+        const Outcome outcome = runProgram({words, "/", [] {
+                                                const rlimit both{limit, limit};
+                                                ::setrlimit(RLIMIT_AS, &both);
+                                            }});
+        if (outcome == Outcome{"", "There is not enough memory for this.\n", 2}) {
+            reported = true;
+            continue;
+        }
+        // With less, the system cannot even load the program.
+        EXPECT_NE(outcome.status, -SIGABRT) << limit;
+        EXPECT_EQ(reported, outcome == (Outcome{"", unknown, 2})) << limit << outcome;
+    }
+    EXPECT_TRUE(reported);
+}
+#endif
 
 TEST(Run, GoesOnWithStandardStreamsClosed) {
     const auto closeAll = [] {

@@ -1,5 +1,7 @@
 #include "cli/output.h"
 
+#include "cli/terminal.h"
+
 #include <poll.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -48,6 +50,15 @@ bool writeLine(int descriptor, std::string_view text) {
         text.remove_prefix(std::min(count, text.size()));
     }
     return true;
+}
+
+bool writeTextLine(int descriptor, std::string_view text) {
+    if (::isatty(descriptor) == 1) {
+        if (const auto visible = withVisibleControls(text)) {
+            return writeLine(descriptor, visible->view());
+        }
+    }
+    return writeLine(descriptor, text);
 }
 
 } // namespace fernlow

@@ -1,7 +1,7 @@
 #include "cli/run.h"
 
-#include "cli/help_text.h"
 #include "cli/action.h"
+#include "cli/help_text.h"
 #include "cli/invocation.h"
 #include "cli/output.h"
 #include "render/reply.h"
@@ -17,24 +17,27 @@ namespace fernlow {
 
 namespace {
 
-constexpr int badArguments = 2;
 constexpr int notReached = 3;
 constexpr std::string_view version = "1";
 
-void writeStandardError(const RunSurroundings& surroundings, std::string_view text) {
+/// JSON goes out as it is, whoever reads it.
+using Writer = bool (*)(int descriptor, std::string_view text);
+
+void writeStandardError(const RunSurroundings& surroundings, std::string_view text,
+                        Writer write = writeTextLine) {
     // There is nobody left to tell when this fails.
-    static_cast<void>(writeLine(surroundings.standardError, text));
+    static_cast<void>(write(surroundings.standardError, text));
 }
 
 void report(const RunSurroundings& surroundings, const std::exception& error) {
-    const bool outOfMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-    writeStandardError(surroundings,
-                       outOfMemory ? "There is not enough memory for this." : error.what());
+    const bool isOutOfMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    writeStandardError(surroundings, isOutOfMemory ? outOfMemory : error.what());
 }
 
 /// Writes the text and gives the status, which is never success when the text was lost.
-int finish(const RunSurroundings& surroundings, std::string_view text, int status) {
-    if (writeLine(surroundings.standardOutput, text)) {
+int finish(const RunSurroundings& surroundings, std::string_view text, int status,
+           Writer write = writeTextLine) {
+    if (write(surroundings.standardOutput, text)) {
         return status;
     }
     writeStandardError(surroundings, "Fernlow's answer could not be written to standard output.");
@@ -47,11 +50,12 @@ int performRequest(const AgentCLIInvocation& invocation, const AgentRequest& req
     AgentReply reply = client.exchange(invocation.socketPath, invocation.launchIfNeeded, request);
     const ReplyOutput output =
         presentReply(reply.statusCode, std::move(reply.body), invocation.wantsJSON);
+    const Writer write = invocation.wantsJSON ? writeLine : writeTextLine;
     if (output.toStandardError) {
-        writeStandardError(surroundings, output.text.view());
+        writeStandardError(surroundings, output.text.view(), write);
         return output.exitStatus;
     }
-    return finish(surroundings, output.text.view(), output.exitStatus);
+    return finish(surroundings, output.text.view(), output.exitStatus, write);
 }
 
 int perform(const AgentCLIInvocation& invocation, const RunSurroundings& surroundings) {

@@ -10,6 +10,10 @@
 
 namespace fernlow {
 
+/// What a run says, and ends with, when memory has run out before there was a request.
+inline constexpr const char* outOfMemory = "There is not enough memory for this.";
+inline constexpr int badArguments = 2;
+
 /// What a run uses of the world around it; the defaults are the real ones.
 struct RunSurroundings {
     int standardOutput = STDOUT_FILENO;

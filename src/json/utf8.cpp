@@ -8,13 +8,6 @@ namespace fernlow::utf8 {
 
 namespace {
 
-constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
-
-struct Sequence {
-    std::size_t length;
-    bool wellFormed;
-};
-
 /// What a lead byte promises. The second byte has a range of its own, narrower than 80 to BF where
 /// the full range would admit overlong forms, surrogates or values above U+10FFFF.
 struct Lead {
@@ -38,8 +31,8 @@ Lead leadOf(std::uint8_t byte) {
     return {1, 0, 0};
 }
 
-/// The first sequence of a text that is not empty; ill-formed, its length is that of the maximal
-/// subpart.
+} // namespace
+
 Sequence firstSequence(std::string_view text) {
     const auto first = static_cast<std::uint8_t>(text[0]);
     if (first < 0x80) {
@@ -58,6 +51,8 @@ Sequence firstSequence(std::string_view text) {
     }
     return {lead.length, lead.length > 1};
 }
+
+namespace {
 
 /// The length of the well-formed part that the text begins with.
 std::size_t wellFormedLength(std::string_view text) {

@@ -2,10 +2,22 @@
 
 #include "json/byte_buffer.h"
 
-#include <string>
+#include <cstddef>
 #include <string_view>
 
 namespace fernlow::utf8 {
+
+inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
+
+/// The bytes of one character, or of a part of one.
+struct Sequence {
+    std::size_t length;
+    bool wellFormed;
+};
+
+/// The first sequence of a text that is not empty; where it is ill-formed, the longest part that
+/// some well-formed sequence begins with, one byte at least.
+Sequence firstSequence(std::string_view text);
 
 /// Whether the whole text is well-formed UTF-8: no overlong forms, no surrogates, nothing above
 /// U+10FFFF.

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "json/byte_buffer.h"
+
+#include <optional>
+#include <string_view>
+
+namespace fernlow {
+
+/// The text as a terminal may be handed it. Names of files and messages of compilers come from
+/// projects that somebody has downloaded, and a terminal obeys whatever control sequence it reads:
+/// it moves the cursor over what was printed, or writes to the clipboard.
+///
+/// Control characters become visible, each as one U+FFFD: C0 except the tab and the line break (and
+/// the carriage return in front of one), DEL, C1, a stray byte that an 8-bit terminal would take
+/// for C1, and the controls that turn the direction of writing. Colours (ESC "[", digits and ";",
+/// "m") stay. Gives nothing where the text is fit as it is.
+std::optional<ByteBuffer> withVisibleControls(std::string_view text);
+
+} // namespace fernlow
