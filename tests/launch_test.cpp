@@ -139,6 +139,25 @@ done)");
     EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
 }
 
+TEST(Launch, LeavesNoSignalIgnoredOrBlocked) {
+    const auto former = std::signal(SIGPIPE, SIG_IGN);
+    sigset_t usual;
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &usual);
+    const TemporaryFolder folder;
+    for (const std::string name : {"PIPE", "TERM"}) {
+        // Before its first child: some shells unblock every signal when they wait.
+        const Opener opener("echo begun >steps; kill -" + name + " $$; echo outlived >>steps");
+        EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)),
+                  notRunning);
+        EXPECT_EQ(opener.noted("steps"), "begun\n") << name;
+    }
+    ::pthread_sigmask(SIG_SETMASK, &usual, nullptr);
+    std::signal(SIGPIPE, former);
+}
+
 TEST(Launch, WaitsForTheProgramEvenWhereItsEndIsIgnored) {
     const Opener opener("sleep 0.2; echo done >ended");
     const TemporaryFolder folder;

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <memory>
+#include <csignal>
 
 #ifdef __APPLE__
 #include <sysdir.h>
@@ -32,27 +32,37 @@ std::optional<std::string> homeFolderIn(const passwd* entry) {
     return entry->pw_dir;
 }
 
-/// What a started program gets instead of our descriptors.
-class ClosedOffStreams {
+/// What a started program gets instead of our descriptors, and of what is done about signals here.
+class CleanStart {
 public:
-    ClosedOffStreams() {
+    CleanStart() {
         posix_spawn_file_actions_init(&actions_);
         posix_spawnattr_init(&attributes_);
         posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&attributes_, &signals);
+        sigfillset(&signals);
+        // Their defaults can't be changed, and some systems refuse to be asked for it.
+        sigdelset(&signals, SIGKILL);
+        sigdelset(&signals, SIGSTOP);
+        posix_spawnattr_setsigdefault(&attributes_, &signals);
+        int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #ifdef __APPLE__
         // macOS closes every descriptor that no file action names.
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_CLOEXEC_DEFAULT);
+        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
 #else
         posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
 #endif
+        posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
     }
-    ClosedOffStreams(const ClosedOffStreams&) = delete;
-    ClosedOffStreams& operator=(const ClosedOffStreams&) = delete;
-    ClosedOffStreams(ClosedOffStreams&&) = delete;
-    ClosedOffStreams& operator=(ClosedOffStreams&&) = delete;
-    ~ClosedOffStreams() {
+    CleanStart(const CleanStart&) = delete;
+    CleanStart& operator=(const CleanStart&) = delete;
+    CleanStart(CleanStart&&) = delete;
+    CleanStart& operator=(CleanStart&&) = delete;
+    ~CleanStart() {
         posix_spawnattr_destroy(&attributes_);
         posix_spawn_file_actions_destroy(&actions_);
     }
@@ -105,9 +115,9 @@ void runProgram(const std::string& path, const std::vector<std::string>& argumen
     }
     argv.push_back(nullptr);
 
-    const ClosedOffStreams streams;
+    const CleanStart clean;
     pid_t child = 0;
-    if (::posix_spawn(&child, path.c_str(), streams.actions(), streams.attributes(), argv.data(),
+    if (::posix_spawn(&child, path.c_str(), clean.actions(), clean.attributes(), argv.data(),
                       environ) != 0) {
         return;
     }

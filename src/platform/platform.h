@@ -23,7 +23,7 @@ std::optional<std::string> applicationSupportFolder();
 
 /// Starts a program and waits until it has ended; how it ended is not told, and neither is that it
 /// could not be started. Its standard streams are the null device and it inherits no other
-/// descriptor, so it never holds a pipe of our caller open.
+/// descriptor, so it never holds a pipe of our caller open; no signal is ignored or blocked for it.
 void runProgram(const std::string& path, const std::vector<std::string>& arguments);
 
 /// Prepares a new socket so that sendWithoutSignal() holds and no started program inherits it.
