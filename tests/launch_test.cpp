@@ -1,6 +1,7 @@
 #include "support/outcomes.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
+#include "transport/socket_location.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -96,6 +97,29 @@ TEST(Launch, IsNoRemedyForATooLongPath) {
     EXPECT_EQ(runLine("status --socket " + std::string(103, 'x'), opener.settings(10ms)),
               notRunning);
     EXPECT_TRUE(opener.wasCalled());
+}
+
+TEST(Launch, FindsTheSocketWhereTheSystemKeepsSupportFiles) {
+    const std::string usual = "/Library/Application Support";
+    const struct {
+        std::string support;
+        std::optional<std::string> home;
+        std::string folder;
+    } cases[] = {
+        {"~/Library/Other", "/Users/me", "/Users/me/Library/Other"},
+        {"~", "/Users/me", "/Users/me"},
+        {"/Volumes/Support", "/Users/me", "/Volumes/Support"},
+        {"/Volumes/Support", std::nullopt, "/Volumes/Support"},
+        {"", "/Users/me", "/Users/me" + usual},
+        {"Library", "/Users/me", "/Users/me" + usual},
+        {"~you/Library", "/Users/me", "/Users/me" + usual},
+        {"~/Library/Other", std::nullopt, usual},
+        {"", std::nullopt, usual},
+    };
+    for (const auto& [support, home, folder] : cases) {
+        EXPECT_EQ(socketPathIn(support, home), folder + "/com.tarnwick.Fernlow3/agent.sock")
+            << support;
+    }
 }
 
 TEST(Launch, UsesTheSystemsOpenerAndPatienceByDefault) {

@@ -85,23 +85,14 @@ std::optional<std::string> homeFolderOf(const std::string& user) {
     return homeFolderIn(::getpwnam(user.c_str()));
 }
 
-std::optional<std::string> applicationSupportFolder() {
+std::string applicationSupportFolder() {
 #ifdef __APPLE__
-    // The system names the folder below "~", which is ours to expand.
     std::array<char, PATH_MAX> path{};
     const auto state = sysdir_start_search_path_enumeration(SYSDIR_DIRECTORY_APPLICATION_SUPPORT,
                                                             SYSDIR_DOMAIN_MASK_USER);
-    if (sysdir_get_next_search_path_enumeration(state, path.data()) == 0) {
-        return std::nullopt;
-    }
-    const std::string folder(path.data());
-    if (folder.empty() || folder.front() != '~') {
-        return folder;
-    }
-    const auto home = homeFolder();
-    return home ? std::optional(*home + folder.substr(1)) : std::nullopt;
+    return sysdir_get_next_search_path_enumeration(state, path.data()) == 0 ? "" : path.data();
 #else
-    return std::nullopt;
+    return "";
 #endif
 }
 

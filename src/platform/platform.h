@@ -17,9 +17,9 @@ std::optional<std::string> homeFolder();
 /// The home folder of the user with that name. Absent when there is no such user.
 std::optional<std::string> homeFolderOf(const std::string& user);
 
-/// The folder in which applications keep the user's support files, where the system has a notion
-/// of one; an absolute path.
-std::optional<std::string> applicationSupportFolder();
+/// The folder in which applications keep the user's support files, as the system names it: macOS
+/// puts "~" for the home folder. Empty where the system names none.
+std::string applicationSupportFolder();
 
 /// Starts a program and waits until it has ended; how it ended is not told, and neither is that it
 /// could not be started. Its standard streams are the null device and it inherits no other

@@ -5,11 +5,17 @@
 namespace fernlow {
 
 std::string defaultSocketPath() {
-    auto folder = platform::applicationSupportFolder();
-    if (!folder) {
-        folder = platform::homeFolder().value_or("") + "/Library/Application Support";
+    return socketPathIn(platform::applicationSupportFolder(), platform::homeFolder());
+}
+
+std::string socketPathIn(const std::string& support, const std::optional<std::string>& home) {
+    std::string folder = home.value_or("") + "/Library/Application Support";
+    if (support.starts_with('/')) {
+        folder = support;
+    } else if (home && (support == "~" || support.starts_with("~/"))) {
+        folder = *home + support.substr(1);
     }
-    return *folder + "/" + applicationBundleIdentifier + "/agent.sock";
+    return folder + "/" + applicationBundleIdentifier + "/agent.sock";
 }
 
 } // namespace fernlow
