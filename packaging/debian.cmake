@@ -1,0 +1,17 @@
+# CPack runs this when everything is in its staging folder: it adds the copyright and the changelog
+# that Debian wants, and compresses what Debian compresses.
+set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
+
+# The time is SOURCE_DATE_EPOCH's, where that is set.
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(WRITE "${share}/doc/fernlow/changelog" "fernlow (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium
+
+  * Made from the commit ${CPACK_FERNLOW_COMMIT}.
+
+ -- ${CPACK_DEBIAN_PACKAGE_MAINTAINER}  ${date}
+")
+file(COPY "${CMAKE_CURRENT_LIST_DIR}/copyright" DESTINATION "${share}/doc/fernlow")
+
+file(GLOB pages "${share}/man/man1/*.1")
+execute_process(COMMAND gzip -9n "${share}/doc/fernlow/changelog" ${pages}
+  COMMAND_ERROR_IS_FATAL ANY)
