@@ -118,25 +118,6 @@ TEST(Number, ShortestDecimalsReadBackAndStayPlain) {
     }
 }
 
-TEST(Document, KeepsValuesDownToTheDepth) {
-    constexpr std::string_view text =
-        R"({"a":{"b":{"c":{"d":4}},"n":2},"l":[{"x":[{}]}],"n":1,"t":"\u0041"})";
-    for (const std::size_t depth :
-         {std::size_t{1}, std::size_t{2}, std::size_t{3}, json::Document::everything}) {
-        const auto document = json::Document::parse(text, depth);
-        ASSERT_TRUE(document) << depth;
-        const json::Object root = document->root().object().value();
-        EXPECT_EQ(root.integer("n"), 1) << depth;
-        EXPECT_EQ(root.text("t"), "A") << depth;
-        const auto a = root.object("a");
-        EXPECT_EQ(a && a->integer("n") == 2, depth >= 2) << depth;
-        const auto b = a ? a->object("b") : std::nullopt;
-        EXPECT_EQ(b && b->find("c"), depth >= 3) << depth;
-        const auto c = b ? b->object("c") : std::nullopt;
-        EXPECT_EQ(c && c->integer("d") == 4, depth >= 4) << depth;
-    }
-}
-
 TEST(Document, SaysWhatIsUnreadableWhereverItLies) {
     std::vector<std::string> bodies = {"", "{\"a\":\"\n\"}", "{\"ok\":true}\xff"};
     std::istringstream rest(R"(

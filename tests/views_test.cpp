@@ -96,6 +96,11 @@ TEST(ReplyJSON, IsTheBodyWithTheSameExitStatus) {
         {R"({"ok":true,"result":[{"timedOut":true}]})"},
         {R"({"ok":true,"result":{"timedOut":true,"errorCount":3}})", Stream::out, 4},
         {R"({"result":{"problems":[{"a":[{}]}],"errorCount":2},"ok":true})", Stream::out, 1},
+        {R"({"n":{"o":{"\u006fk":0}},"o\u006b":1,"ok":0,"\u006f\u006b!":0,"re\u0073ult":
+            {"t":[{"timedOut":0}],"timedOut":1},"result":{"timedOut":0}})",
+         Stream::out, 4},
+        {R"({"result":"ok","x":{"ok":true}})", Stream::err, 5},
+        {R"({"ok":true,"x":{"result":{"timedOut":true}},"result":{"result":{"timedOut":true}}})"},
         {R"({"ok":false,"error":{"message":"M"}})", Stream::err, 5},
         {R"({"ok":"true","result":{"errorCount":2}})", Stream::err, 5},
         {R"({})", Stream::err, 5},
@@ -274,6 +279,8 @@ TEST(FilesView, TagsCountsAndPages) {
          "p  [IGNORE, action chosen, MISSING]\n"
          "a  [COPY, path chosen, action chosen, outside the project, MISSING]\n    → /o\np\n\n"
          "9 of 9."},
+        {R"({"files":[{"language":"path","path":"p","outputAction":"compile","path":"q"}]})",
+         "p\n\n1 of 1."},
         {R"({"files":[],"total":7,"truncated":true,"offset":3})", nothingMatched},
         {R"({"files":[{},{}],"total":2.5,"truncated":"true"})", "  []\n  []\n\n2 of 2."},
         {R"({"files":[{},{}],"total":212,"truncated":true,"offset":100})",

@@ -4,7 +4,9 @@
 #include "json/document.h"
 #include "json/number.h"
 
+#include <cstdint>
 #include <string_view>
+#include <utility>
 
 namespace fernlow {
 
@@ -16,7 +18,11 @@ std::optional<AgentSettingValue> decodeSettingValue(const json::Value& value) {
         return AgentSettingValue{AgentSettingValue::absent{}};
     }
     if (const auto texts = value.texts()) {
-        return AgentSettingValue{AgentSettingValue::list{{texts->begin(), texts->end()}}};
+        AgentSettingValue::list list;
+        for (const std::string_view each : *texts) {
+            list.value.emplace_back(each);
+        }
+        return AgentSettingValue{std::move(list)};
     }
     if (const auto boolean = value.strictBoolean()) {
         return AgentSettingValue{AgentSettingValue::boolean{*boolean}};
@@ -40,7 +46,8 @@ std::optional<SettingValues> decodeSettingValues(std::string_view text) {
         return std::nullopt;
     }
     SettingValues values;
-    for (const auto& [key, value] : object->members()) {
+    for (const std::uint32_t place : object->sortedMembers()) {
+        const auto [key, value] = object->member(place);
         const auto decoded = decodeSettingValue(value);
         if (!decoded) {
             return std::nullopt;

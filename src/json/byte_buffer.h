@@ -34,7 +34,6 @@ public:
 
     /// `count` may not exceed the size.
     void removePrefix(std::size_t count) { begin_ += count; }
-    void removeSuffix(std::size_t count) { end_ -= count; }
 
 private:
     struct Free {

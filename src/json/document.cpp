@@ -3,8 +3,10 @@
 #include "json/number.h"
 #include "json/tape.h"
 
+#include <algorithm>
 #include <charconv>
 #include <system_error>
+#include <type_traits>
 #include <utility>
 
 namespace fernlow::json {
@@ -33,6 +35,33 @@ std::optional<Number> readWhole(std::string_view literal) {
 
 } // namespace
 
+template <class Item>
+Item List<Item>::Iterator::operator*() const {
+    if constexpr (std::is_same_v<Item, Object>) {
+        return Object(Value(tape_, index_));
+    } else {
+        return tape_->slice(tape_->nodes[index_]);
+    }
+}
+
+template <class Item>
+typename List<Item>::Iterator& List<Item>::Iterator::operator++() {
+    index_ = tape_->after(index_);
+    return *this;
+}
+
+template <class Item>
+std::int64_t List<Item>::size() const {
+    std::int64_t count = 0;
+    for (Iterator at = begin(); at != end(); ++at) {
+        ++count;
+    }
+    return count;
+}
+
+template class List<Object>;
+template class List<std::string_view>;
+
 bool Value::isNull() const {
     return tape_->nodes[index_].kind == Kind::null;
 }
@@ -57,10 +86,11 @@ std::optional<bool> Value::strictBoolean() const {
 }
 
 std::optional<bool> Value::boolean() const {
-    if (const auto number = integer()) {
-        return *number == 0 || *number == 1 ? std::optional(*number == 1) : std::nullopt;
+    if (const auto strict = strictBoolean()) {
+        return strict;
     }
-    return strictBoolean();
+    const auto number = integer();
+    return number == 0 || number == 1 ? std::optional(number == 1) : std::nullopt;
 }
 
 std::optional<std::string_view> Value::numberLiteral() const {
@@ -88,53 +118,64 @@ std::optional<Object> Value::object() const {
     return Object(*this);
 }
 
-template <class Element>
-std::optional<std::vector<Element>> Value::listOf(std::optional<Element> (Value::*read)()
-                                                      const) const {
+template <class Item>
+std::optional<List<Item>> Value::listOf(std::optional<Item> (Value::*read)() const) const {
     const detail::Node& node = tape_->nodes[index_];
     if (node.kind != Kind::list) {
         return std::nullopt;
     }
-    std::vector<Element> elements;
-    elements.reserve(node.size);
     for (std::uint32_t at = index_ + 1; at < node.place; at = tape_->after(at)) {
-        const auto element = (Value(tape_, at).*read)();
-        if (!element) {
+        if (!(Value(tape_, at).*read)()) {
             return std::nullopt;
         }
-        elements.push_back(*element);
     }
-    return elements;
+    return List<Item>(tape_, index_ + 1, node.place);
 }
 
-std::optional<std::vector<Object>> Value::objects() const {
+std::optional<List<Object>> Value::objects() const {
     return listOf(&Value::object);
 }
 
-std::optional<std::vector<std::string_view>> Value::texts() const {
+std::optional<List<std::string_view>> Value::texts() const {
     return listOf(&Value::text);
 }
 
 std::optional<Value> Object::find(std::string_view key) const {
     const detail::Tape& tape = *value_.tape_;
     const std::uint32_t end = tape.nodes[value_.index_].place;
-    for (std::uint32_t at = value_.index_ + 1; at < end; at = tape.after(at + 1)) {
-        if (tape.slice(tape.nodes[at]) == key) {
-            return Value(&tape, at + 1);
-        }
-    }
-    return std::nullopt;
+    const std::uint32_t found = tape.find(key, value_.index_ + 1, end);
+    return found < end ? std::optional(Value(&tape, found + 1)) : std::nullopt;
 }
 
-std::vector<Member> Object::members() const {
+bool Object::isEmpty() const {
+    return value_.tape_->nodes[value_.index_].place == value_.index_ + 1;
+}
+
+std::vector<std::uint32_t> Object::sortedMembers() const {
     const detail::Tape& tape = *value_.tape_;
-    const detail::Node& node = tape.nodes[value_.index_];
-    std::vector<Member> members;
-    members.reserve(node.size);
-    for (std::uint32_t at = value_.index_ + 1; at < node.place; at = tape.after(at + 1)) {
-        members.push_back({tape.slice(tape.nodes[at]), Value(&tape, at + 1)});
+    const std::uint32_t end = tape.nodes[value_.index_].place;
+    std::vector<std::uint32_t> places;
+    // At most every second node is a key, and what isn't filled is never touched.
+    places.reserve((end - value_.index_) / 2);
+    for (std::uint32_t at = value_.index_ + 1; at < end; at = tape.after(at + 1)) {
+        places.push_back(at);
     }
-    return members;
+    const auto key = [&](std::uint32_t place) { return tape.slice(tape.nodes[place]); };
+    // Not a stable sort: it takes memory.
+    std::sort(places.begin(), places.end(), [&](std::uint32_t one, std::uint32_t other) {
+        const auto order = key(one) <=> key(other);
+        return order < 0 || (order == 0 && one < other);
+    });
+    const auto isSame = [&](std::uint32_t one, std::uint32_t other) {
+        return key(one) == key(other);
+    };
+    places.erase(std::unique(places.begin(), places.end(), isSame), places.end());
+    return places;
+}
+
+Member Object::member(std::uint32_t place) const {
+    const detail::Tape& tape = *value_.tape_;
+    return {tape.slice(tape.nodes[place]), Value(&tape, place + 1)};
 }
 
 template <class Type>
@@ -176,15 +217,15 @@ std::optional<Object> Object::object(std::string_view key) const {
     return read(key, &Value::object);
 }
 
-std::optional<std::vector<Object>> Object::optionalObjects(std::string_view key) const {
+std::optional<List<Object>> Object::optionalObjects(std::string_view key) const {
     return read(key, &Value::objects);
 }
 
-std::vector<Object> Object::objects(std::string_view key) const {
-    return optionalObjects(key).value_or(std::vector<Object>());
+List<Object> Object::objects(std::string_view key) const {
+    return optionalObjects(key).value_or(List<Object>());
 }
 
-std::optional<std::vector<std::string_view>> Object::optionalTexts(std::string_view key) const {
+std::optional<List<std::string_view>> Object::optionalTexts(std::string_view key) const {
     return read(key, &Value::texts);
 }
 

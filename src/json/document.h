@@ -2,19 +2,58 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
 namespace fernlow::json {
 
 class Object;
+struct Member;
 
 namespace detail {
 struct Tape;
 }
+
+/// A list whose every element is an Item: an Object or a std::string_view. The elements are read
+/// from the document as one goes, so that however many there are, no memory is needed for them.
+template <class Item>
+class List {
+public:
+    class Iterator {
+    public:
+        Item operator*() const;
+        Iterator& operator++();
+        bool operator==(const Iterator&) const = default;
+
+    private:
+        friend class List;
+        Iterator(const detail::Tape* tape, std::uint32_t index) : tape_(tape), index_(index) {}
+
+        const detail::Tape* tape_;
+        std::uint32_t index_;
+    };
+
+    /// An empty one.
+    List() = default;
+
+    [[nodiscard]] Iterator begin() const { return {tape_, begin_}; }
+    [[nodiscard]] Iterator end() const { return {tape_, end_}; }
+    [[nodiscard]] bool empty() const { return begin_ == end_; }
+    /// Goes through all of them to count them.
+    [[nodiscard]] std::int64_t size() const;
+
+private:
+    friend class Value;
+    List(const detail::Tape* tape, std::uint32_t begin, std::uint32_t end)
+        : tape_(tape), begin_(begin), end_(end) {}
+
+    const detail::Tape* tape_ = nullptr;
+    std::uint32_t begin_ = 0;
+    std::uint32_t end_ = 0;
+};
 
 /// One value of a Document, and good for as long as the Document and the text it was parsed from.
 /// Each reader gives the value if the JSON holds one of that type, and nothing otherwise.
@@ -33,31 +72,33 @@ public:
     [[nodiscard]] std::optional<std::string_view> numberLiteral() const;
     [[nodiscard]] std::optional<Object> object() const;
     /// Lists whose every element is an object, or a text; an empty list is both.
-    [[nodiscard]] std::optional<std::vector<Object>> objects() const;
-    [[nodiscard]] std::optional<std::vector<std::string_view>> texts() const;
+    [[nodiscard]] std::optional<List<Object>> objects() const;
+    [[nodiscard]] std::optional<List<std::string_view>> texts() const;
 
 private:
     friend class Document;
     friend class Object;
+    template <class Item>
+    friend class List;
     Value(const detail::Tape* tape, std::uint32_t index) : tape_(tape), index_(index) {}
 
-    template <class Element>
-    std::optional<std::vector<Element>> listOf(std::optional<Element> (Value::*read)() const) const;
+    template <class Item>
+    std::optional<List<Item>> listOf(std::optional<Item> (Value::*read)() const) const;
 
     const detail::Tape* tape_;
     std::uint32_t index_;
 };
-
-/// One member of an Object.
-struct Member;
 
 /// A JSON object and its typed readers: each takes a key, and gives a default where the key is
 /// absent or holds a value of another type. Of two members with the same key the first counts.
 class Object {
 public:
     [[nodiscard]] std::optional<Value> find(std::string_view key) const;
-    /// In the document's order.
-    [[nodiscard]] std::vector<Member> members() const;
+    [[nodiscard]] bool isEmpty() const;
+    /// Each key once, in ascending order of code points (which is that of their bytes). Gives
+    /// places for member() to read, because an object may have many members and a place is small.
+    [[nodiscard]] std::vector<std::uint32_t> sortedMembers() const;
+    [[nodiscard]] Member member(std::uint32_t place) const;
 
     [[nodiscard]] std::string_view text(std::string_view key) const;
     [[nodiscard]] std::optional<std::string_view> optionalText(std::string_view key) const;
@@ -67,13 +108,13 @@ public:
     [[nodiscard]] bool boolean(std::string_view key) const;
     [[nodiscard]] std::optional<bool> optionalBoolean(std::string_view key) const;
     [[nodiscard]] std::optional<Object> object(std::string_view key) const;
-    [[nodiscard]] std::vector<Object> objects(std::string_view key) const;
-    [[nodiscard]] std::optional<std::vector<Object>> optionalObjects(std::string_view key) const;
-    [[nodiscard]] std::optional<std::vector<std::string_view>>
-    optionalTexts(std::string_view key) const;
+    [[nodiscard]] List<Object> objects(std::string_view key) const;
+    [[nodiscard]] std::optional<List<Object>> optionalObjects(std::string_view key) const;
+    [[nodiscard]] std::optional<List<std::string_view>> optionalTexts(std::string_view key) const;
 
 private:
     friend class Value;
+    friend class List<Object>;
     explicit Object(Value value) : value_(value) {}
 
     template <class Type>
@@ -83,6 +124,7 @@ private:
     Value value_;
 };
 
+/// One member of an Object.
 struct Member {
     std::string_view key;
     Value value;
@@ -92,16 +134,16 @@ struct Member {
 /// written, so none is out of range or loses digits before a reader asks for it.
 class Document {
 public:
-    static constexpr std::size_t everything = std::numeric_limits<std::size_t>::max();
-
     /// Parses all of the text, which must outlive the result. Gives nothing when the text is not a
     /// JSON document, is nested deeper than 1,024 levels, is longer than 256 MiB, or holds half a
     /// surrogate pair or a number whose exponent alone doesn't fit in 32 bits.
     ///
-    /// The whole text is always checked, but only values down to `depth` are kept: 1 keeps the
-    /// members of the outermost object, 2 those of the objects in it, and so on. What lies deeper
-    /// then reads as missing, and costs no memory.
-    static std::optional<Document> parse(std::string_view text, std::size_t depth = everything);
+    /// With `keys` the whole text is checked all the same, but hardly any memory is needed: kept
+    /// are only the members with these keys, of the outermost object and of the objects right in
+    /// it, and of those with the same key the first. All else reads as missing, and so do the
+    /// lists and texts among them.
+    static std::optional<Document> parse(std::string_view text,
+                                         std::span<const std::string_view> keys = {});
 
     [[nodiscard]] Value root() const;
 

@@ -23,6 +23,18 @@ constexpr int maximumDecimals = std::numeric_limits<double>::max_digits10 - 1;
 /// Beyond it no literal that fits in memory is a whole number within range, save zero.
 constexpr std::int64_t furthestExponent = std::int64_t{1} << 32;
 
+void dropZerosBefore(std::string_view& digits) {
+    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+}
+
+/// Gives how many there were.
+std::size_t dropZerosBehind(std::string_view& digits) {
+    const std::size_t kept = digits.find_last_not_of('0') + 1;
+    const std::size_t dropped = digits.size() - kept;
+    digits.remove_suffix(dropped);
+    return dropped;
+}
+
 } // namespace
 
 std::optional<std::int64_t> readInteger(std::string_view text) {
@@ -47,28 +59,31 @@ std::optional<std::string> wholeDigits(std::string_view literal) {
     literal.remove_prefix(negative ? 1 : 0);
     const std::string_view mantissa = literal.substr(0, literal.find_first_of("eE"));
     literal.remove_prefix(std::min(mantissa.size() + 1, literal.size()));
-    const std::string_view whole = mantissa.substr(0, mantissa.find('.'));
-    const std::string_view fraction = mantissa.substr(std::min(whole.size() + 1, mantissa.size()));
+    std::string_view whole = mantissa.substr(0, mantissa.find('.'));
+    std::string_view fraction = mantissa.substr(std::min(whole.size() + 1, mantissa.size()));
 
-    std::string digits(whole);
-    digits += fraction;
-    digits.erase(0, digits.find_first_not_of('0'));
-    if (digits.empty()) {
+    // Nothing is copied before the digits are known to be few: a literal may be as long as a reply.
+    dropZerosBehind(fraction);
+    const auto decimals = std::ssize(fraction);
+    const std::size_t zerosOfWhole = fraction.empty() ? dropZerosBehind(whole) : 0;
+    dropZerosBefore(whole);
+    if (whole.empty()) {
+        dropZerosBefore(fraction);
+    }
+    if (whole.empty() && fraction.empty()) {
         return "0";
     }
     const auto exponent = literal.empty() ? 0 : readInteger(literal);
     if (!exponent || *exponent > furthestExponent || *exponent < -furthestExponent) {
         return std::nullopt;
     }
-    const std::size_t significant = digits.find_last_not_of('0') + 1;
-    const std::int64_t zeros = *exponent - std::ssize(fraction) + std::ssize(digits) -
-                               static_cast<std::int64_t>(significant);
-    if (zeros < 0 || static_cast<std::int64_t>(significant) + zeros > longestWhole) {
+    const std::int64_t zeros = *exponent - decimals + static_cast<std::int64_t>(zerosOfWhole);
+    if (zeros < 0 || std::ssize(whole) + std::ssize(fraction) + zeros > longestWhole) {
         return std::nullopt;
     }
-    digits.resize(significant);
-    digits.append(static_cast<std::size_t>(zeros), '0');
-    return negative ? "-" + digits : digits;
+    std::string digits(negative ? "-" : "");
+    digits.append(whole).append(fraction).append(static_cast<std::size_t>(zeros), '0');
+    return digits;
 }
 
 double nearestDouble(std::string_view literal) {

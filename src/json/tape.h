@@ -15,7 +15,7 @@ enum class Kind : std::uint8_t { null, yes, no, number, text, unescapedText, lis
 /// One value or key. 8 bytes, because large replies are paid for by the memory they touch.
 struct Node {
     Kind kind : 4;
-    /// Of a text or number, its bytes; of a list or object, its elements or members.
+    /// Of a text or number, its bytes.
     std::uint32_t size : 28;
     /// Of a text or number, where it begins; of a list or object, the index behind its last node.
     std::uint32_t place;
@@ -34,12 +34,22 @@ struct Tape {
 
     [[nodiscard]] std::string_view slice(const Node& node) const {
         const std::string_view whole = node.kind == Kind::unescapedText ? unescaped.view() : source;
-        return whole.substr(node.place, node.size);
+        return {whole.data() + node.place, node.size};
     }
 
     [[nodiscard]] std::uint32_t after(std::uint32_t index) const {
         const Node& node = nodes[index];
         return node.kind >= Kind::list ? node.place : index + 1;
+    }
+
+    /// The index of the first of the members between two indices that has this key, or `end`.
+    [[nodiscard]] std::uint32_t find(std::string_view key, std::uint32_t first,
+                                     std::uint32_t end) const {
+        // Most keys differ in length, which tells without a look at their bytes.
+        while (first < end && !(nodes[first].size == key.size() && slice(nodes[first]) == key)) {
+            first = after(first + 1);
+        }
+        return first;
     }
 };
 

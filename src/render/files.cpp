@@ -9,7 +9,7 @@ void renderFileRow(const json::Object& file, Lines& lines) {
 
     Tags tags(lines);
     if (const auto action = file.text("outputAction"); action != "compile") {
-        tags.add(upperCase(action));
+        tags.add(UpperCase{action});
     }
     if (file.boolean("outputPathIsChosen")) {
         tags.add("path chosen");
@@ -40,10 +40,11 @@ bool renderFileList(const json::Object& result, Lines& lines) {
                   "Fernlow's index, not the disk.");
         return true;
     }
-    for (const json::Object& file : *files) {
+    std::int64_t count = 0;
+    for (const json::Object file : *files) {
         renderFileRow(file, lines);
+        ++count;
     }
-    const std::int64_t count = std::ssize(*files);
     lines.add();
     lines.add(count, " of ", result.optionalInteger("total").value_or(count), ".");
     if (result.boolean("truncated")) {

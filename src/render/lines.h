@@ -2,6 +2,7 @@
 
 #include "json/byte_buffer.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <concepts>
@@ -18,6 +19,11 @@ public:
     [[nodiscard]] const char* what() const noexcept override { return "The text is too long."; }
 };
 
+/// A text to be shown with its ASCII letters in upper case: the application's own words are ASCII.
+struct UpperCase {
+    std::string_view text;
+};
+
 /// The lines that a view makes of a reply.
 ///
 /// A hostile reply can ask for far more text than it holds itself (a path is shown again with each
@@ -26,7 +32,8 @@ class Lines {
 public:
     static constexpr std::size_t longestText = std::size_t{256} * 1024 * 1024;
 
-    /// Adds one line made of the parts, one after the other: texts, and integers in decimal.
+    /// Adds one line made of the parts, one after the other: texts, upper-cased texts, and integers
+    /// in decimal.
     template <class... Parts>
     void add(const Parts&... parts) {
         start();
@@ -41,10 +48,17 @@ public:
         started_ = true;
     }
     void append(std::string_view text) {
-        if (text.size() > longestText - text_.view().size()) {
-            throw TextTooLong();
-        }
+        checkRoom(text.size());
         text_.append(text);
+    }
+    void append(UpperCase shown) {
+        checkRoom(shown.text.size());
+        std::transform(
+            shown.text.begin(), shown.text.end(), text_.room(shown.text.size()), [](char letter) {
+                return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A')
+                                                      : letter;
+            });
+        text_.commit(shown.text.size());
     }
     template <std::integral Integer>
     void append(Integer value) {
@@ -57,6 +71,12 @@ public:
     [[nodiscard]] ByteBuffer join() && { return std::move(text_); }
 
 private:
+    void checkRoom(std::size_t count) const {
+        if (count > longestText - text_.view().size()) {
+            throw TextTooLong();
+        }
+    }
+
     ByteBuffer text_;
     bool started_ = false;
 };

@@ -3,7 +3,7 @@
 namespace fernlow {
 
 void renderLogEntry(const json::Object& entry, Lines& lines) {
-    lines.add(entry.integer("cursor"), "  ", upperCase(entry.text("severity")), "  ",
+    lines.add(entry.integer("cursor"), "  ", UpperCase{entry.text("severity")}, "  ",
               entry.text("title"));
 }
 

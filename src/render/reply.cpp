@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -16,8 +17,9 @@ constexpr int somethingFailed = 1;
 constexpr int waitExpired = 4;
 constexpr int refused = 5;
 
-/// As JSON nothing is read below the members of "result", so nothing below them is kept.
-constexpr std::size_t depthOfResultMembers = 2;
+/// All that is read of a reply to decide its exit status.
+constexpr auto keysOfStatus =
+    std::to_array<std::string_view>({"ok", "result", "timedOut", "errorCount"});
 
 using View = bool (*)(const json::Object& result, Lines& lines);
 
@@ -34,12 +36,12 @@ constexpr auto views = std::to_array<View>({
 });
 
 /// Parses the body after making it valid UTF-8, if it isn't.
-std::optional<json::Document> parseBody(ByteBuffer& body, std::size_t depth) {
-    auto document = json::Document::parse(body.view(), depth);
+std::optional<json::Document> parseBody(ByteBuffer& body, std::span<const std::string_view> keys) {
+    auto document = json::Document::parse(body.view(), keys);
     // Whatever parses is valid, so only a body that doesn't is worth a second look.
     if (!document && !utf8::isWellFormed(body.view())) {
         body = utf8::replaceIllFormed(body.view());
-        document = json::Document::parse(body.view(), depth);
+        document = json::Document::parse(body.view(), keys);
     }
     return document;
 }
@@ -59,16 +61,19 @@ std::string_view refusalMessage(const json::Object& reply) {
 }
 
 /// Settings schemas and projects are both lists of objects: the first row tells which.
-void renderRows(const std::vector<json::Object>& rows, Lines& lines) {
-    const bool areSettings = !rows.empty() && rows.front().find("valueType");
+void renderRows(const json::List<json::Object>& rows, Lines& lines) {
+    const bool areSettings = !rows.empty() && (*rows.begin()).find("valueType");
     renderList(rows, areSettings ? renderSettingRow : renderProjectRow, "No projects.", lines);
 }
 
 } // namespace
 
 ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool wantsJSON) {
-    const auto document =
-        parseBody(body, wantsJSON ? depthOfResultMembers : json::Document::everything);
+    std::span<const std::string_view> keys;
+    if (wantsJSON) {
+        keys = keysOfStatus;
+    }
+    const auto document = parseBody(body, keys);
     const auto reply = document ? document->root().object() : std::nullopt;
     if (!reply) {
         return unreadable();

@@ -1,5 +1,7 @@
 #include "render/views.h"
 
+#include <string>
+
 namespace fernlow {
 
 namespace {
@@ -28,7 +30,7 @@ bool renderSchema(const json::Object& result, Lines& lines) {
         return false;
     }
     lines.add("Endpoints:");
-    for (const json::Object& endpoint : *endpoints) {
+    for (const json::Object endpoint : *endpoints) {
         lines.add("  ", fittedToFive(endpoint.text("method")), " ", endpoint.text("path"));
         lines.add("        ", endpoint.text("summary"));
     }

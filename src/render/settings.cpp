@@ -2,44 +2,31 @@
 #include "render/tags.h"
 #include "render/views.h"
 
-#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace fernlow {
 
 namespace {
 
-/// The members in ascending order of their keys' code points (which is that of their bytes), each
-/// key once.
-std::vector<json::Member> sortedMembers(const json::Object& object) {
-    auto members = object.members();
-    std::stable_sort(members.begin(), members.end(),
-                     [](const auto& one, const auto& other) { return one.key < other.key; });
-    members.erase(
-        std::unique(members.begin(), members.end(),
-                    [](const auto& one, const auto& other) { return one.key == other.key; }),
-        members.end());
-    return members;
+void joinTexts(const json::List<std::string_view>& texts, Lines& lines) {
+    std::string_view separator;
+    for (const std::string_view text : texts) {
+        lines.append(separator);
+        lines.append(text);
+        separator = ", ";
+    }
 }
 
-std::string joined(const std::vector<std::string_view>& texts) {
-    std::string text;
-    for (const std::string_view& part : texts) {
-        if (&part != &texts.front()) {
-            text += ", ";
-        }
-        text += part;
+void formatNumber(std::string_view literal, Lines& lines) {
+    if (const auto digits = json::wholeDigits(literal)) {
+        lines.append(*digits);
+    } else if (const double value = json::nearestDouble(literal); std::isfinite(value)) {
+        lines.append(json::shortestDecimal(value));
+    } else {
+        // What no double can hold is shown as the reply has it.
+        lines.append(literal);
     }
-    return text;
-}
-
-std::string formatNumber(std::string_view literal) {
-    if (auto digits = json::wholeDigits(literal)) {
-        return *std::move(digits);
-    }
-    const double value = json::nearestDouble(literal);
-    // What no double can hold is shown as the reply has it.
-    return std::isfinite(value) ? json::shortestDecimal(value) : std::string(literal);
 }
 
 /// Those of the whole project, then those of each language, under headings; empty ones are left
@@ -47,15 +34,16 @@ std::string formatNumber(std::string_view literal) {
 void renderSettings(const json::Object& project, const std::optional<json::Object>& languages,
                     Lines& lines) {
     bool any = false;
-    if (!project.members().empty()) {
+    if (!project.isEmpty()) {
         lines.add("Project-wide:");
         renderValues(project, lines);
         any = true;
     }
-    for (const auto& [name, value] :
-         languages ? sortedMembers(*languages) : std::vector<json::Member>()) {
+    for (const std::uint32_t place :
+         languages ? languages->sortedMembers() : std::vector<std::uint32_t>()) {
+        const auto [name, value] = languages->member(place);
         const auto values = value.object();
-        if (values && !values->members().empty()) {
+        if (values && !values->isEmpty()) {
             lines.add();
             lines.add(name, ":");
             renderValues(*values, lines);
@@ -69,22 +57,23 @@ void renderSettings(const json::Object& project, const std::optional<json::Objec
 
 } // namespace
 
-std::string formatSettingValue(const json::Value& value) {
+void formatSettingValue(const json::Value& value, Lines& lines) {
     if (const auto texts = value.texts()) {
-        return joined(*texts);
+        joinTexts(*texts, lines);
+    } else if (const auto boolean = value.strictBoolean()) {
+        lines.append(std::string_view(*boolean ? "true" : "false"));
+    } else if (const auto literal = value.numberLiteral()) {
+        formatNumber(*literal, lines);
+    } else {
+        lines.append(value.text().value_or("(unset)"));
     }
-    if (const auto boolean = value.strictBoolean()) {
-        return *boolean ? "true" : "false";
-    }
-    if (const auto literal = value.numberLiteral()) {
-        return formatNumber(*literal);
-    }
-    return std::string(value.text().value_or("(unset)"));
 }
 
 void renderValues(const json::Object& values, Lines& lines) {
-    for (const auto& [key, value] : sortedMembers(values)) {
-        lines.add("  ", key, " = ", formatSettingValue(value));
+    for (const std::uint32_t place : values.sortedMembers()) {
+        const auto [key, value] = values.member(place);
+        lines.add("  ", key, " = ");
+        formatSettingValue(value, lines);
     }
 }
 
@@ -118,16 +107,6 @@ void renderSettingRow(const json::Object& setting, Lines& lines) {
         tags.add("group ", *group);
     }
     tags.close();
-}
-
-std::string upperCase(std::string_view text) {
-    std::string upper(text);
-    for (char& character : upper) {
-        if (character >= 'a' && character <= 'z') {
-            character = static_cast<char>(character - 'a' + 'A');
-        }
-    }
-    return upper;
 }
 
 } // namespace fernlow

@@ -15,7 +15,7 @@ public:
     template <class... Parts>
     void add(const Parts&... parts) {
         lines_.append(any_ ? std::string_view(", ") : std::string_view("  ["));
-        (lines_.append(std::string_view(parts)), ...);
+        (lines_.append(parts), ...);
         any_ = true;
     }
 

@@ -3,9 +3,7 @@
 #include "json/document.h"
 #include "render/lines.h"
 
-#include <string>
 #include <string_view>
-#include <vector>
 
 /// The text views: each adds the lines that show a result, or an element of one, to a person.
 ///
@@ -16,12 +14,12 @@ namespace fernlow {
 /// One line per item by the row renderer, in the reply's order; a single line, the empty text, when
 /// there are none.
 template <class Row>
-void renderList(const std::vector<json::Object>& items, Row renderRow, std::string_view emptyText,
+void renderList(const json::List<json::Object>& items, Row renderRow, std::string_view emptyText,
                 Lines& lines) {
     if (items.empty()) {
         lines.add(emptyText);
     }
-    for (const json::Object& item : items) {
+    for (const json::Object item : items) {
         renderRow(item, lines);
     }
 }
@@ -58,16 +56,14 @@ bool renderAppliedSettings(const json::Object& result, Lines& lines);
 /// One line a setting: its key, ascending by code point, and its value.
 void renderValues(const json::Object& values, Lines& lines);
 
-/// A setting's value as one text; "(unset)" for null and whatever no setting holds.
-std::string formatSettingValue(const json::Value& value);
+/// Puts a setting's value behind the line being made; "(unset)" for null and whatever no setting
+/// holds.
+void formatSettingValue(const json::Value& value, Lines& lines);
 
 /// One line of a settings schema.
 void renderSettingRow(const json::Object& setting, Lines& lines);
 
 /// The two lines of a project, framework or group.
 void renderProjectRow(const json::Object& project, Lines& lines);
-
-/// The text with its ASCII letters in upper case. The application's own words are ASCII.
-std::string upperCase(std::string_view text);
 
 } // namespace fernlow

@@ -10,13 +10,13 @@ std::string_view plural(std::int64_t count) {
 
 void renderProblem(const json::Object& problem, Lines& lines) {
     lines.add();
-    lines.add(upperCase(problem.text("severity")), "  ", problem.text("title"));
+    lines.add(UpperCase{problem.text("severity")}, "  ", problem.text("title"));
     if (const auto message = problem.text("message"); !message.empty()) {
         lines.add(message);
     }
-    for (const json::Object& report : problem.objects("syntaxReports")) {
+    for (const json::Object report : problem.objects("syntaxReports")) {
         const std::string_view path = report.text("path");
-        for (const json::Object& issue : report.objects("issues")) {
+        for (const json::Object issue : report.objects("issues")) {
             lines.add("  ", path, ":", issue.integer("line"), ":", issue.integer("column"), "  ",
                       issue.text("reason"));
         }
@@ -36,12 +36,12 @@ bool renderWorkReport(const json::Object& result, Lines& lines) {
               plural(errors), ", ", warnings, " warning", plural(warnings), ".");
 
     const auto requestedPaths = result.optionalTexts("requestedPaths");
-    const auto requested = requestedPaths ? std::ssize(*requestedPaths) : 0;
+    const auto requested = requestedPaths ? requestedPaths->size() : 0;
     if (requested != 0 && requested < *compiled) {
         lines.add("(You asked for ", requested,
                   "; Fernlow rebuilt everything that depended on them.)");
     }
-    for (const json::Object& problem : result.objects("problems")) {
+    for (const json::Object problem : result.objects("problems")) {
         renderProblem(problem, lines);
     }
     if (result.boolean("timedOut")) {

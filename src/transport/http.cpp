@@ -4,6 +4,8 @@
 #include "json/number.h"
 #include "transport/socket_client_error.h"
 
+#include <array>
+
 namespace fernlow {
 
 namespace {
@@ -11,6 +13,7 @@ namespace {
 constexpr std::string_view lineBreak = "\r\n";
 constexpr std::string_view blankLine = "\r\n\r\n";
 constexpr double usualReplyTimeout = 600;
+constexpr std::array<std::string_view, 1> timeoutKey = {"timeoutSeconds"};
 
 /// Takes the next piece that isn't empty off the front of the text; empty at the end.
 std::string_view takePiece(std::string_view& text, std::string_view separator) {
@@ -54,9 +57,9 @@ AgentReply parseReply(ByteBuffer bytes) {
 }
 
 double replyTimeoutSeconds(std::string_view body) {
-    const auto document = json::Document::parse(body, 1);
+    const auto document = json::Document::parse(body, timeoutKey);
     const auto object = document ? document->root().object() : std::nullopt;
-    const auto timeout = object ? object->find("timeoutSeconds") : std::nullopt;
+    const auto timeout = object ? object->find(timeoutKey[0]) : std::nullopt;
     const auto literal = timeout ? timeout->numberLiteral() : std::nullopt;
     return literal ? json::nearestDouble(*literal) : usualReplyTimeout;
 }
