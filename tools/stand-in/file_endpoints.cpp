@@ -89,8 +89,9 @@ Json setFile(State& state, const Json& body) {
             output[member] = body[member];
         }
     }
-    if (output.contains("outputFolder")) {
-        absolutePath(output["outputFolder"]);
+    if (output.contains("outputFolder") &&
+        !isWithin(absolutePath(output["outputFolder"]), outputRoot(project))) {
+        throw Refusal("The output folder is not in the project's build folder.");
     }
     const bool hasValues = !body["values"].empty() || !body["literals"].empty();
     if (hasValues && languageOf(file).empty()) {

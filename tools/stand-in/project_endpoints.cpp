@@ -60,7 +60,7 @@ Json enableProject(State& state, const Json& body) {
 
 Json renameProject(State& state, const Json& body) {
     Project& project = state.projectAt(body["path"]);
-    if (body["name"].empty()) {
+    if (body["name"] == "") {
         throw Refusal("A project needs a name.");
     }
     project.name = body["name"];

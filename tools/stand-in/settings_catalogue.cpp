@@ -16,38 +16,47 @@ constexpr const char* toNewFiles = "newFilesOnly";
 struct Setting {
     std::string name;
     Json defaultValue;
+    /// {"minimum", "maximum"} or {"choices"}, in the schema's words; empty when any value will do.
+    Json limits = Json::object();
     std::string propagation = atOnce;
     std::string language{};
     std::string collection{};
 };
 
+Json oneOf(const Json& choices) {
+    return {{"choices", choices}};
+}
+
 const std::vector<Setting>& catalogue() {
+    static const Json anyValue = Json::object();
+    static const Json fraction = {{"minimum", 0}, {"maximum", 1}};
     static const std::vector<Setting> settings = {
         {"buildFolderActive", true},
         {"buildFolderName", "build"},
         {"sourceFolderName", "src"},
         {"skippedFoldersString", ""},
-        {"imageQuality", 0.8},
+        {"imageQuality", 0.8, fraction},
         {"browserTargets", Json::array({"defaults"})},
-        {"minifies", false, toFiles, everyLanguage},
-        {"outputFolderName", "", toNewFiles, everyLanguage},
-        {"usesAutoprefixer", true, toFiles, "Sass"},
-        {"usesAutoprefixer", true, toFiles, "Less"},
-        {"bundleFormat", 4, toFiles, "Typescript"},
-        {"moduleResolutionType", 5, toFiles, "Typescript"},
-        {"tsConfigFileHandlingType", 0, toFiles, "Typescript"},
-        {"tsNoImplicitAny", true, toFiles, "Typescript"},
-        {"tsTypesString", "*", toFiles, "Typescript"},
-        {"name", "", atOnce, "", "hooks"},
-        {"script", "", atOnce, "", "hooks"},
-        {"matchExtensions", Json::array(), atOnce, "", "hooks"},
-        {"pathContains", Json::array(), atOnce, "", "hooks"},
-        {"name", "", atOnce, "", "buildSteps"},
-        {"script", "", atOnce, "", "buildSteps"},
-        {"name", "", atOnce, "", "webpPresets"},
-        {"quality", 0.75, atOnce, "", "webpPresets"},
-        {"name", "", atOnce, "", "userLanguages"},
-        {"outputExtension", "", atOnce, "", "userLanguages"},
+        {"minifies", false, anyValue, toFiles, everyLanguage},
+        {"outputFolderName", "", anyValue, toNewFiles, everyLanguage},
+        {"outputStyle", "expanded", oneOf({"expanded", "compressed"}), toFiles, "Sass"},
+        {"usesAutoprefixer", true, anyValue, toFiles, "Sass"},
+        {"usesAutoprefixer", true, anyValue, toFiles, "Less"},
+        {"bundleFormat", 4, oneOf({0, 1, 2, 3, 4}), toFiles, "Typescript"},
+        {"moduleResolutionType", 5, oneOf({0, 1, 2, 3, 4, 5}), toFiles, "Typescript"},
+        {"tsConfigFileHandlingType", 0, oneOf({0, 1}), toFiles, "Typescript"},
+        {"tsNoImplicitAny", true, anyValue, toFiles, "Typescript"},
+        {"tsTypesString", "*", anyValue, toFiles, "Typescript"},
+        {"name", "Untitled", anyValue, atOnce, "", "hooks"},
+        {"script", "", anyValue, atOnce, "", "hooks"},
+        {"matchExtensions", Json::array(), anyValue, atOnce, "", "hooks"},
+        {"pathContains", Json::array(), anyValue, atOnce, "", "hooks"},
+        {"name", "Untitled", anyValue, atOnce, "", "buildSteps"},
+        {"script", "", anyValue, atOnce, "", "buildSteps"},
+        {"name", "Untitled", anyValue, atOnce, "", "webpPresets"},
+        {"quality", 0.75, fraction, atOnce, "", "webpPresets"},
+        {"name", "Untitled", anyValue, atOnce, "", "userLanguages"},
+        {"outputExtension", "", anyValue, atOnce, "", "userLanguages"},
     };
     return settings;
 }
@@ -88,7 +97,9 @@ void addSchemaRows(Json& rows, const Scope& scope) {
         }
         Json row = {{"name", setting.name},
                     {"valueType", typeName(setting.defaultValue)},
-                    {"propagation", setting.propagation}};
+                    {"propagation", setting.propagation},
+                    {"default", setting.defaultValue}};
+        row.update(setting.limits);
         if (!scope.language.empty()) {
             row["language"] = scope.language;
         }
@@ -141,11 +152,24 @@ Json acceptedValue(const Setting& setting, Json value) {
     if (!fits) {
         throw Refusal("The setting \"" + setting.name + "\" needs a value of type " + type + ".");
     }
+    if (setting.name == "name" && value == "") {
+        throw Refusal("The setting \"name\" can't be empty.");
+    }
+    const Json choices = setting.limits.value("choices", Json::array({value}));
+    if (std::ranges::count(choices, value) == 0) {
+        throw Refusal("The setting \"" + setting.name + "\" is one of " + choices.dump() + ".");
+    }
+    if (value < setting.limits.value("minimum", value) ||
+        value > setting.limits.value("maximum", value)) {
+        throw Refusal("The setting \"" + setting.name + "\" is a number from " +
+                      setting.limits["minimum"].dump() + " to " + setting.limits["maximum"].dump() +
+                      ".");
+    }
     // A folder name that led elsewhere would have builds write and empty folders of somebody else.
     if (setting.name.ends_with("FolderName")) {
         const auto name = value.get<std::string>();
         if (name.find('/') != std::string::npos || name.starts_with('.') ||
-            (name.empty() && !setting.defaultValue.empty())) {
+            (name.empty() && setting.defaultValue != "")) {
             throw Refusal("The setting \"" + setting.name + "\" needs the plain name of a folder.");
         }
     }

@@ -52,8 +52,8 @@ Json applyOutputPaths(State& state, const Json& body) {
         if (languageOf(file) != language) {
             continue;
         }
+        overwritten += choice.size() > 1 ? 1 : 0;
         choice = {{"values", choice["values"]}};
-        ++overwritten;
     }
     return {{"language", language}, {"overwrittenChoiceCount", overwritten}};
 }
