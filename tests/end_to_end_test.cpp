@@ -91,7 +91,7 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("build"), "Compiled 2 files. 1 error, 0 warnings.\n"
                              "\n"
                              "ERROR  Syntax error in src/main.js\n"
-                             "The braces don't balance.\n"
+                             "The brackets don't balance.\n"
                              "  SITE/src/main.js:1:18  This \"{\" is never closed.\n[1]");
     write("src/main.js", "function greet() {}\n");
     EXPECT_EQ(seen("process src/main.js"), "Compiled 1 file. 0 errors, 0 warnings.\n[0]");

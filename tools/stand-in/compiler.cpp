@@ -3,6 +3,7 @@
 #include "project_files.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace fernlow::standin {
 
@@ -13,23 +14,60 @@ struct Position {
     int column = 1;
 };
 
-Json issueAt(Position position, const char* reason) {
-    return {{"line", position.line}, {"column", position.column}, {"reason", reason}};
+Json issueAt(Position position, char bracket, const std::string& fault) {
+    return {{"line", position.line},
+            {"column", position.column},
+            {"reason", std::string("This \"") + bracket + "\" " + fault + "."}};
 }
 
-/// Braces that have no partner. Strings are not told apart: a brace in one counts like any other.
-Json braceIssues(const std::string& text) {
-    Json issues = Json::array();
-    std::vector<Position> open;
-    Position position;
-    for (const char character : text) {
-        if (character == '{') {
-            open.push_back(position);
+/// Where the text or comment that begins at `start` ends; `start` itself when none begins there. A
+/// quote that isn't closed on its line is an apostrophe.
+std::size_t endOfQuoted(std::string_view text, std::size_t start) {
+    const auto endAfter = [&](std::string_view closing, std::size_t from) {
+        const auto end = text.find(closing, from);
+        return end == std::string::npos ? text.size() : end + closing.size();
+    };
+    if (text.substr(start, 2) == "/*") {
+        return endAfter("*/", start + 2);
+    }
+    // Not after a colon: an address in a style sheet has no quotes.
+    if (text.substr(start, 2) == "//" && (start == 0 || text[start - 1] != ':')) {
+        return std::min(text.find('\n', start), text.size());
+    }
+    if (text[start] != '"' && text[start] != '\'' && text[start] != '`') {
+        return start;
+    }
+    for (std::size_t at = start + 1; at < text.size(); ++at) {
+        if (text[at] == text[start]) {
+            return at + 1;
         }
-        if (character == '}' && open.empty()) {
-            issues.push_back(issueAt(position, "This \"}\" closes nothing."));
-        } else if (character == '}') {
+        if (text[at] == '\n' && text[start] != '`') {
+            break;
+        }
+        at += text[at] == '\\' ? 1 : 0;
+    }
+    return start;
+}
+
+/// Brackets that have no partner. Regular expressions are not told apart.
+Json bracketIssues(const std::string& text) {
+    constexpr std::string_view opening = "{[(";
+    constexpr std::string_view closing = "}])";
+    Json issues = Json::array();
+    std::vector<std::pair<char, Position>> open;
+    Position position;
+    std::size_t quotedUntil = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char character = text[at];
+        quotedUntil = at < quotedUntil ? quotedUntil : endOfQuoted(text, at);
+        const auto kind = at < quotedUntil ? std::string::npos : closing.find(character);
+        if (at >= quotedUntil && opening.find(character) != std::string::npos) {
+            open.emplace_back(character, position);
+        } else if (kind != std::string::npos && !open.empty() &&
+                   open.back().first == opening[kind]) {
             open.pop_back();
+        } else if (kind != std::string::npos) {
+            issues.push_back(issueAt(position, character, "closes nothing"));
         }
         if (character == '\n') {
             position = {position.line + 1, 1};
@@ -38,8 +76,8 @@ Json braceIssues(const std::string& text) {
             ++position.column;
         }
     }
-    for (const Position& each : open) {
-        issues.push_back(issueAt(each, "This \"{\" is never closed."));
+    for (const auto& [character, where] : open) {
+        issues.push_back(issueAt(where, character, "is never closed"));
     }
     return issues;
 }
@@ -55,11 +93,12 @@ Json entryFor(const Project& project, const fs::path& file, const char* severity
 
 /// Logs the faults of `source`; whether there were none.
 bool reportFaults(State& state, const Project& project, const fs::path& source) {
-    const Json issues = braceIssues(textOf(source));
+    const Json issues = bracketIssues(textOf(source));
     if (issues.empty()) {
         return true;
     }
-    Json entry = entryFor(project, source, "error", "Syntax error in", "The braces don't balance.");
+    Json entry =
+        entryFor(project, source, "error", "Syntax error in", "The brackets don't balance.");
     entry["syntaxReports"] = Json::array({{{"path", source.string()}, {"issues", issues}}});
     state.record(entry);
     return false;
@@ -113,15 +152,11 @@ std::vector<fs::path> affectedBy(const Project& project, const std::vector<fs::p
     return affected;
 }
 
-void build(State& state, const Project& project, bool clean) {
-    if (clean && outputRoot(project) != sourceFolder(project)) {
-        fs::remove_all(outputRoot(project));
-    }
-    for (const fs::path& file : indexedPaths(project)) {
-        if (outputActionOf(project, file) != "ignore") {
-            compile(state, project, file);
-        }
-    }
+std::vector<fs::path> filesWithOutput(const Project& project) {
+    std::vector<fs::path> files = indexedPaths(project);
+    std::erase_if(files,
+                  [&](const fs::path& file) { return outputActionOf(project, file) == "ignore"; });
+    return files;
 }
 
 void checkSyntax(State& state, const Project& project, const fs::path& source) {
@@ -130,7 +165,7 @@ void checkSyntax(State& state, const Project& project, const fs::path& source) {
     }
 }
 
-Json workReport(const State& state, std::uint64_t since, const Project* project) {
+Json workReport(const State& state, std::uint64_t since, const fs::path& project) {
     Json compiled = Json::array();
     Json problems = Json::array();
     int errors = 0;
@@ -139,7 +174,7 @@ Json workReport(const State& state, std::uint64_t since, const Project* project)
         if (entry["cursor"].get<std::uint64_t>() <= since) {
             continue;
         }
-        if (project != nullptr && entry.value("projectPath", "") != project->folder) {
+        if (!project.empty() && entry.value("projectPath", "") != project) {
             continue;
         }
         if (entry.value("isCompiled", false)) {

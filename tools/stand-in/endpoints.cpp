@@ -8,87 +8,91 @@ namespace fernlow::standin {
 
 namespace {
 
-bool isFlag(const Json& value) {
-    return value.is_boolean();
-}
-bool isWhole(const Json& value) {
-    return value.is_number_integer();
-}
-bool isCursor(const Json& value) {
-    return value.is_number_unsigned();
-}
-bool isNumber(const Json& value) {
-    return value.is_number();
-}
-bool isText(const Json& value) {
-    return value.is_string();
-}
-bool isTexts(const Json& value) {
-    return value.is_array() && std::ranges::all_of(value, isText);
-}
-bool isObject(const Json& value) {
-    return value.is_object();
-}
+/// What a member of a request may hold; of some the texts are fixed.
+struct Member {
+    std::string name;
+    std::string type;
+    std::vector<std::string> values{};
+};
 
-auto isOneOf(const std::vector<std::string>& words) {
-    return [words](const Json& value) {
-        return value.is_string() && std::ranges::count(words, value.get<std::string>()) != 0;
+/// A name means the same in every request that has it.
+const std::vector<Member>& members() {
+    static const std::vector<std::string> lists = {"production", "development", "optional",
+                                                   "bundle"};
+    static const std::vector<Member> all = {
+        {"action", "text", {"install", "forceInstall", "uninstall", "update", "prune"}},
+        {"address", "text", {"preferred", "bonjour", "lan", "loopback", "localhost"}},
+        {"asFramework", "boolean"},
+        {"browserBundleID", "text"},
+        {"buildStepType", "text", {"processItems", "processRemainingItems", "runScript"}},
+        {"clean", "boolean"},
+        {"enabled", "boolean"},
+        {"exactVersions", "boolean"},
+        {"fileExtension", "text"},
+        {"group", "text"},
+        {"id", "text"},
+        {"includeFolders", "boolean"},
+        {"includeShadowItems", "boolean"},
+        {"install", "list", lists},
+        {"kind", "text", {"hooks", "buildSteps", "webpPresets", "userLanguages"}},
+        {"language", "text"},
+        {"limit", "integer"},
+        {"literals", "object"},
+        {"minimumSeverity", "text", {"success", "warning", "error"}},
+        {"mode", "text", {"asIfSaved", "exactly"}},
+        {"name", "text"},
+        {"newName", "text"},
+        {"offset", "integer"},
+        {"outputAction", "text", {"compile", "ignore", "copy"}},
+        {"outputFilename", "text"},
+        {"outputFolder", "text"},
+        {"packages", "list"},
+        {"path", "text"},
+        {"paths", "list"},
+        {"paused", "boolean"},
+        {"position", "integer"},
+        {"projectPath", "text"},
+        {"raiseVersionLimits", "boolean"},
+        {"relativePath", "text"},
+        {"row", "text"},
+        {"saveTo", "list", lists},
+        {"settleMilliseconds", "integer"},
+        {"since", "cursor"},
+        {"skipped", "boolean"},
+        {"timeoutSeconds", "decimal"},
+        {"updatePackageLock", "boolean"},
+        {"values", "object"},
+        {"wait", "boolean"},
     };
+    return all;
 }
 
-bool areDependencyLists(const Json& value) {
-    static const auto isOne = isOneOf({"production", "development", "optional", "bundle"});
-    return value.is_array() && std::ranges::all_of(value, isOne);
-}
-
-/// What a member may hold. A name means the same in every request that has it.
-const std::map<std::string, std::function<bool(const Json&)>>& members() {
-    static const std::map<std::string, std::function<bool(const Json&)>> predicates = {
-        {"action", isOneOf({"install", "forceInstall", "uninstall", "update", "prune"})},
-        {"address", isOneOf({"preferred", "bonjour", "lan", "loopback", "localhost"})},
-        {"asFramework", isFlag},
-        {"browserBundleID", isText},
-        {"buildStepType", isOneOf({"processItems", "processRemainingItems", "runScript"})},
-        {"clean", isFlag},
-        {"enabled", isFlag},
-        {"exactVersions", isFlag},
-        {"fileExtension", isText},
-        {"group", isText},
-        {"id", isText},
-        {"includeFolders", isFlag},
-        {"includeShadowItems", isFlag},
-        {"install", areDependencyLists},
-        {"kind", isOneOf({"hooks", "buildSteps", "webpPresets", "userLanguages"})},
-        {"language", isText},
-        {"limit", isWhole},
-        {"literals", isObject},
-        {"minimumSeverity", isOneOf({"success", "warning", "error"})},
-        {"mode", isOneOf({"asIfSaved", "exactly"})},
-        {"name", isText},
-        {"newName", isText},
-        {"offset", isWhole},
-        {"outputAction", isOneOf({"compile", "ignore", "copy"})},
-        {"outputFilename", isText},
-        {"outputFolder", isText},
-        {"packages", isTexts},
-        {"path", isText},
-        {"paths", isTexts},
-        {"paused", isFlag},
-        {"position", isWhole},
-        {"projectPath", isText},
-        {"raiseVersionLimits", isFlag},
-        {"relativePath", isText},
-        {"row", isText},
-        {"saveTo", areDependencyLists},
-        {"settleMilliseconds", isWhole},
-        {"since", isCursor},
-        {"skipped", isFlag},
-        {"timeoutSeconds", isNumber},
-        {"updatePackageLock", isFlag},
-        {"values", isObject},
-        {"wait", isFlag},
+bool fits(const Json& value, const Member& member) {
+    const auto isText = [&](const Json& text) {
+        return text.is_string() && (member.values.empty() ||
+                                    std::ranges::count(member.values, text.get<std::string>()) > 0);
     };
-    return predicates;
+    if (member.type == "list") {
+        return value.is_array() && std::ranges::all_of(value, isText);
+    }
+    return member.type == "text"      ? isText(value)
+           : member.type == "boolean" ? value.is_boolean()
+           : member.type == "integer" ? value.is_number_integer()
+           : member.type == "cursor"  ? value.is_number_unsigned()
+           : member.type == "decimal" ? value.is_number()
+                                      : value.is_object();
+}
+
+/// The members that an endpoint's row names, each with whether it may be left out.
+std::vector<std::pair<Member, bool>> membersOf(const Endpoint& endpoint) {
+    std::vector<std::pair<Member, bool>> named;
+    std::istringstream words(endpoint.members);
+    for (std::string name; words >> name;) {
+        const bool isOptional = name.ends_with('?');
+        name.resize(name.size() - (isOptional ? 1 : 0));
+        named.emplace_back(*std::ranges::find(members(), name, &Member::name), isOptional);
+    }
+    return named;
 }
 
 const Endpoints& endpoints();
@@ -96,18 +100,28 @@ const Endpoints& endpoints();
 constexpr std::array notes = {
     "This is the stand-in, not Fernlow: it watches nothing, and what it is told is forgotten when "
     "it stops.",
-    "Compiling copies a source to the build folder, provided that its braces balance. A file whose "
-    "name begins with \"_\" has no output, and processing it compiles the files that @import it.",
-    "Work that nobody waits for is done when the next request other than status arrives.",
-    "A wait whose settle pause is longer than its timeout expires."};
+    "Compiling copies a source to the build folder, provided that its brackets balance. A file "
+    "whose name begins with \"_\" has no output, and processing it compiles the files that @import "
+    "it.",
+    "Work on one project goes one step after the other, work on several at the same time. A report "
+    "tells what was logged while its request waited.",
+    "A setting is refused outside its range or choices, and null takes it back to its default."};
 
 Json schema(State& /*unused*/, const Json& /*unused*/) {
     Json list = Json::array();
     for (const Endpoint& each : endpoints()) {
+        Json rows = Json::array();
+        for (const auto& [member, isOptional] : membersOf(each)) {
+            Json row = {{"name", member.name}, {"type", member.type}, {"isOptional", isOptional}};
+            if (!member.values.empty()) {
+                row["values"] = member.values;
+            }
+            rows.push_back(std::move(row));
+        }
         list.push_back({{"method", each.method},
                         {"path", each.path},
                         {"summary", each.summary},
-                        {"members", each.members}});
+                        {"members", std::move(rows)}});
     }
     return {{"endpoints", std::move(list)}, {"notes", notes}};
 }
@@ -136,23 +150,18 @@ const Endpoint& endpointFor(const Request& request) {
     return *found;
 }
 
-void requireMembers(const Json& body, const std::string& names) {
+void requireMembers(const Json& body, const Endpoint& endpoint) {
     std::size_t found = 0;
-    std::istringstream words(names);
-    for (std::string name; words >> name;) {
-        const bool isOptional = name.ends_with('?');
-        if (isOptional) {
-            name.pop_back();
-        }
-        const auto member = body.find(name);
-        if (member == body.end() && isOptional) {
+    for (const auto& [member, isOptional] : membersOf(endpoint)) {
+        const auto value = body.find(member.name);
+        if (value == body.end() && isOptional) {
             continue;
         }
-        if (member == body.end()) {
-            throw Refusal("The member \"" + name + "\" is missing.", 400);
+        if (value == body.end()) {
+            throw Refusal("The member \"" + member.name + "\" is missing.", 400);
         }
-        if (!members().at(name)(*member)) {
-            throw Refusal("The member \"" + name + "\" has a wrong value.", 400);
+        if (!fits(*value, member)) {
+            throw Refusal("The member \"" + member.name + "\" has a wrong value.", 400);
         }
         ++found;
     }
@@ -175,15 +184,14 @@ Json readBody(const Request& request) {
     return body;
 }
 
-Json resultOf(State& state, const Request& request) {
+Answer resultOf(State& state, const Request& request) {
     const Endpoint& endpoint = endpointFor(request);
     const Json body = readBody(request);
-    requireMembers(body, endpoint.members);
-    // A wait reports the submitted work as its own, and a status shows it as still going on.
-    if (endpoint.path != "/v1/status" && endpoint.path != "/v1/wait") {
-        state.finishSubmittedWork();
+    requireMembers(body, endpoint);
+    if (const auto* later = std::get_if<1>(&endpoint.answer)) {
+        return (*later)(state, body);
     }
-    return endpoint.answer(state, body);
+    return [result = std::get<0>(endpoint.answer)(state, body)] { return result; };
 }
 
 Reply replyWith(unsigned httpStatus, const Json& document) {
@@ -191,15 +199,23 @@ Reply replyWith(unsigned httpStatus, const Json& document) {
     return {httpStatus, document.dump(-1, ' ', false, Json::error_handler_t::replace)};
 }
 
-Reply refusal(unsigned httpStatus, const std::string& sentence) {
-    return replyWith(httpStatus, {{"ok", false}, {"error", {{"message", sentence}}}});
+PendingReply refusal(unsigned httpStatus, const std::string& sentence) {
+    return [reply = replyWith(httpStatus, {{"ok", false}, {"error", {{"message", sentence}}}})] {
+        return reply;
+    };
 }
 
 } // namespace
 
-Reply answer(State& state, const Request& request) {
+PendingReply answer(State& state, const Request& request) {
     try {
-        return replyWith(200, {{"ok", true}, {"result", resultOf(state, request)}});
+        return [result = resultOf(state, request)]() -> std::optional<Reply> {
+            const std::optional<Json> given = result();
+            if (!given) {
+                return std::nullopt;
+            }
+            return replyWith(200, {{"ok", true}, {"result", *given}});
+        };
     } catch (const Refusal& error) {
         return refusal(error.httpStatus, error.what());
     } catch (const std::exception& error) {

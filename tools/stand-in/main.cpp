@@ -5,8 +5,12 @@
 #include "state.h"
 #include "unix_socket.h"
 
+#include <time.h>
+
+#include <charconv>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <string_view>
 
@@ -15,48 +19,71 @@ namespace {
 constexpr const char* usage =
     "fernlow-stand-in: a small application that answers the same protocol as Fernlow.\n"
     "\n"
-    "  fernlow-stand-in --socket PATH   Listen on PATH, for this user only, until SIGTERM or\n"
-    "                                   SIGINT; then remove the socket.\n"
+    "  fernlow-stand-in --socket PATH [--work-time MS]\n"
     "\n"
-    "What it is told lives in memory and is gone when it stops. Builds really are written into a\n"
-    "project's build folder; packages, previews and image optimising are only talked about.\n";
+    "Listens on PATH, for this user only, until SIGTERM or SIGINT; then removes the socket. Each\n"
+    "step of its work, such as a file compiled, takes MS milliseconds (10 when not given).\n"
+    "\n"
+    "What it does not do: watch folders, so a file saved is compiled only when it is processed;\n"
+    "compile, since what it writes into a build folder are copies of sources whose brackets\n"
+    "balance; run npm, optimise images, open a browser or serve a preview, which it only talks\n"
+    "about; run hooks and build steps; export; remember anything once it stops. It knows a few\n"
+    "settings of each kind, and no groups, rows or extensions of settings.\n";
 
-void serveUntilStopped(const char* socketPath) {
+volatile std::sig_atomic_t isStopped = 0;
+
+void stop(int /*unused*/) {
+    isStopped = 1;
+}
+
+void serveUntilStopped(const char* socketPath, int workTime) {
     using namespace fernlow::standin;
-    // Blocked before the server's thread exists, so that the thread inherits the mask and the
-    // signals can only arrive in sigwait.
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGINT);
-    sigaddset(&stopSignals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+    (void)std::signal(SIGINT, stop);
+    (void)std::signal(SIGTERM, stop);
     // A client that hangs up early must cost its own reply, not the program.
     (void)std::signal(SIGPIPE, SIG_IGN);
 
     State state;
+    state.workTime = std::chrono::milliseconds(workTime);
     const ListeningSocket socket(socketPath);
-    const HttpServer server(socket.descriptor(),
-                            [&](const Request& request) { return answer(state, request); });
+    HttpServer server(socket.descriptor(),
+                      [&](const Request& request) { return answer(state, request); });
     std::printf("listening on %s\n", socketPath);
     (void)std::fflush(stdout);
-    int received = 0;
-    sigwait(&stopSignals, &received);
+    const timespec aMoment{0, 5'000'000};
+    while (isStopped == 0) {
+        server.advance([&] { state.advance(); });
+        nanosleep(&aMoment, nullptr);
+    }
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::string_view option = argc > 1 ? argv[1] : "";
-    if (option == "--help" || option == "-h") {
+    if (argc == 2 && (std::string_view(argv[1]) == "--help" || std::string_view(argv[1]) == "-h")) {
         (void)std::fputs(usage, stdout);
         return 0;
     }
-    if (argc != 3 || option != "--socket") {
+    const char* socketPath = nullptr;
+    int workTime = 10;
+    bool isUnderstood = argc % 2 == 1;
+    for (int index = 1; isUnderstood && index < argc; index += 2) {
+        const std::string_view option = argv[index];
+        const char* value = argv[index + 1];
+        const char* end = value + std::strlen(value);
+        if (option == "--socket") {
+            socketPath = value;
+        } else if (option != "--work-time" || std::from_chars(value, end, workTime).ptr != end ||
+                   workTime < 0) {
+            isUnderstood = false;
+        }
+    }
+    if (!isUnderstood || socketPath == nullptr) {
         (void)std::fputs(usage, stderr);
         return 2;
     }
     try {
-        serveUntilStopped(argv[2]);
+        serveUntilStopped(socketPath, workTime);
         return 0;
     } catch (const std::exception& error) {
         (void)std::fprintf(stderr, "fernlow-stand-in: %s\n", error.what());

@@ -3,7 +3,6 @@
 #include "settings_catalogue.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace fernlow::standin {
 
@@ -51,16 +50,27 @@ bool State::isTruncatedAfter(std::uint64_t cursor) const {
     return !log.empty() && log.front()["cursor"].get<std::uint64_t>() > cursor + 1;
 }
 
-void State::finishSubmittedWork() {
-    for (const auto& work : std::exchange(submittedWork, {})) {
-        // Nobody waits for this work, so its failure may not refuse the request that came next.
+void State::advance() {
+    const auto now = Clock::now();
+    std::set<fs::path> busy;
+    std::erase_if(jobs, [&](Job& job) {
+        if (!busy.insert(job.project).second) {
+            return false;
+        }
+        if (job.nextStep == Clock::time_point{}) {
+            job.nextStep = now + workTime;
+        }
         try {
-            work();
+            for (; job.stepsDone < job.steps.size() && job.nextStep <= now; ++job.stepsDone) {
+                job.steps[job.stepsDone]();
+                job.nextStep += workTime;
+            }
         } catch (const std::exception& error) {
             record({{"severity", "error"}, {"title", "Work stopped"}, {"message", error.what()}});
+            return true;
         }
-    }
-    activeBuild = nullptr;
+        return job.stepsDone == job.steps.size();
+    });
 }
 
 fs::path absolutePath(const std::string& text) {

@@ -2,10 +2,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -17,6 +19,7 @@ namespace fernlow::standin {
 /// Keeps members in the order they were written, so that replies read the way the code does.
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
 
 /// A request that was understood and is not carried out; what() is a sentence for the user.
 struct Refusal : std::runtime_error {
@@ -43,6 +46,19 @@ struct Project { // NOLINT(bugprone-exception-escape): moving a JSON value only 
     Json collections;
 };
 
+/// Work on one project that is going on, a step (most often a file) at a time.
+struct Job {
+    fs::path project;
+    /// What a status calls it: "build", "refresh", or nothing.
+    std::string kind;
+    std::vector<std::function<void()>> steps;
+    std::size_t stepsDone = 0;
+    /// When the next step is done; set once the job has begun.
+    Clock::time_point nextStep{};
+    /// Tells the jobs of one request from all others.
+    std::uint64_t request = 0;
+};
+
 /// Everything the stand-in remembers, with the look-ups that most requests begin with.
 struct State {
     State();
@@ -55,8 +71,8 @@ struct State {
     void record(const Json& entry);
     /// Whether entries after `cursor` have already been dropped from the log.
     [[nodiscard]] bool isTruncatedAfter(std::uint64_t cursor) const;
-    /// Carries out what was submitted without waiting.
-    void finishSubmittedWork();
+    /// Does the steps that are due. Jobs of one project go one after the other.
+    void advance();
 
     std::vector<Project> projects;
     std::vector<std::string> groups;
@@ -65,9 +81,10 @@ struct State {
     std::uint64_t logCursor = 0;
     std::uint64_t lastRowId = 0;
     bool isFileWatchingPaused = false;
-    std::vector<std::function<void()>> submittedWork;
-    /// The build among the submitted work, in the status reply's shape; null when there is none.
-    Json activeBuild;
+    std::list<Job> jobs;
+    std::uint64_t lastRequest = 0;
+    /// How long each step of a job takes.
+    std::chrono::milliseconds workTime{0};
 };
 
 /// `text` as a path without "." and ".." and without a trailing slash; refuses a relative one.

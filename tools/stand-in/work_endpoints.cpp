@@ -10,26 +10,57 @@ namespace fernlow::standin {
 
 namespace {
 
-/// Nothing here goes on by itself, so quiet can be told at once, unless the pause that proves it
-/// would outlast the wait.
-bool isWaitExpired(const Json& body) {
-    return body.value("settleMilliseconds", 0.0) > body["timeoutSeconds"].get<double>() * 1000;
+/// Answers with what was logged after `since` (about `project`, unless that is empty) once no job
+/// that `concerns` the request has been going for its settle pause, or its wait has expired.
+Answer reportWhenQuiet(State& state, const Json& body, std::uint64_t since, const fs::path& project,
+                       const std::function<bool(const Job&)>& concerns) {
+    using Seconds = std::chrono::duration<double>;
+    constexpr double aDay = 86400;
+    const Seconds settle(body.value("settleMilliseconds", 0.0) / 1000);
+    const Seconds patience(std::min(body["timeoutSeconds"].get<double>(), aDay));
+    const auto start = Clock::now();
+    const Json paths = body.value("paths", Json::array());
+    return [=, &state, quietSince = start]() mutable -> std::optional<Json> {
+        const auto now = Clock::now();
+        const bool isBusy = std::ranges::any_of(state.jobs, concerns);
+        quietSince = isBusy ? now : quietSince;
+        const bool isQuiet = !isBusy && now - quietSince >= settle;
+        if (!isQuiet && now - start < patience) {
+            return std::nullopt;
+        }
+        Json report = workReport(state, since, project);
+        report["requestedPaths"] = paths;
+        report["timedOut"] = !isQuiet;
+        return report;
+    };
 }
 
-/// Does `work`, or puts it off when the request does not wait, and reports on it.
-Json carryOut(State& state, const Json& body, const Json& requestedPaths,
-              const std::function<void()>& work) {
-    const std::uint64_t before = state.logCursor;
-    const bool isWaiting = body["wait"].get<bool>();
-    if (isWaiting) {
-        work();
-    } else {
-        state.submittedWork.push_back(work);
+/// Begins the jobs, and answers when they are done, or at once to a request that does not wait.
+Answer carryOut(State& state, const Json& body, std::vector<Job> jobs) {
+    const std::uint64_t request = ++state.lastRequest;
+    for (Job& job : jobs) {
+        job.request = request;
+        state.jobs.push_back(std::move(job));
     }
-    Json report = workReport(state, before);
-    report["requestedPaths"] = requestedPaths;
-    report["timedOut"] = isWaiting && isWaitExpired(body);
-    return report;
+    const bool isWaiting = body["wait"];
+    Json terms = body;
+    if (!isWaiting) {
+        terms["settleMilliseconds"] = 0;
+    }
+    return reportWhenQuiet(state, terms, state.logCursor, "",
+                           [=](const Job& job) { return isWaiting && job.request == request; });
+}
+
+/// A step for each source. Looks the project up anew: it may be gone when a step's turn comes.
+std::vector<std::function<void()>> compileSteps(State& state, const Project& project,
+                                                const std::vector<fs::path>& sources) {
+    std::vector<std::function<void()>> steps;
+    for (const fs::path& source : sources) {
+        steps.emplace_back([&state, folder = project.folder, source] {
+            compile(state, state.projectAt(folder), source);
+        });
+    }
+    return steps;
 }
 
 /// The files that `body` names; refuses one that is missing or in no enabled project.
@@ -48,106 +79,99 @@ std::vector<fs::path> requestedFiles(State& state, const Json& body) {
     return files;
 }
 
-Json process(State& state, const Json& body) {
-    const std::vector<fs::path> files = requestedFiles(state, body);
-    for (const fs::path& file : files) {
-        if (!isWithin(file, sourceFolder(state.projectOf(file)))) {
+Answer process(State& state, const Json& body) {
+    std::map<Project*, std::vector<fs::path>> filesByProject;
+    for (const fs::path& file : requestedFiles(state, body)) {
+        Project& project = state.projectOf(file);
+        if (!isWithin(file, sourceFolder(project))) {
             throw Refusal(file.string() + " is not in its project's source folder.");
         }
+        filesByProject[&project].push_back(file);
     }
-    return carryOut(state, body, body["paths"], [&state, files, mode = body["mode"]] {
-        std::map<Project*, std::vector<fs::path>> filesByProject;
-        for (const fs::path& file : files) {
-            filesByProject[&state.projectOf(file)].push_back(file);
-        }
-        for (const auto& [project, saved] : filesByProject) {
-            const auto sources = mode == "exactly" ? saved : affectedBy(*project, saved);
-            for (const fs::path& source : sources) {
-                compile(state, *project, source);
-            }
-        }
-    });
-}
-
-Json buildProject(State& state, const Json& body) {
-    Project& project = state.projectOf(state.projectAt(body["path"]).folder);
-    const auto hasOutput = [&](const fs::path& file) {
-        return outputActionOf(project, file) != "ignore";
-    };
-    if (!body["wait"].get<bool>()) {
-        state.activeBuild = {
-            {"projectName", project.name},
-            {"itemsCompleted", 0},
-            {"itemsTotal", std::ranges::count_if(indexedPaths(project), hasOutput)}};
+    std::vector<Job> jobs;
+    for (const auto& [project, saved] : filesByProject) {
+        const auto sources = body["mode"] == "exactly" ? saved : affectedBy(*project, saved);
+        jobs.push_back({project->folder, "", compileSteps(state, *project, sources)});
     }
-    return carryOut(
-        state, body, Json::array(),
-        [&state, &project, clean = body.value("clean", false)] { build(state, project, clean); });
+    return carryOut(state, body, std::move(jobs));
 }
 
-void recordAbout(State& state, const Project& project, const std::string& title) {
-    state.record({{"severity", "success"},
-                  {"title", title},
-                  {"message", ""},
-                  {"path", project.folder.string()},
-                  {"projectPath", project.folder.string()}});
+Answer buildProject(State& state, const Json& body) {
+    const Project& project = state.projectOf(state.projectAt(body["path"]).folder);
+    Job job = {project.folder, "build", compileSteps(state, project, filesWithOutput(project))};
+    if (body.value("clean", false) && outputRoot(project) != sourceFolder(project)) {
+        job.steps.insert(job.steps.begin(), [root = outputRoot(project)] { fs::remove_all(root); });
+    }
+    return carryOut(state, body, {job});
 }
 
-Json refresh(State& state, const Json& body) {
+/// A step that only tells of itself in the log.
+std::function<void()> told(State& state, const Project& project, const std::string& title) {
+    const Json entry = {{"severity", "success"},
+                        {"title", title},
+                        {"message", ""},
+                        {"path", project.folder.string()},
+                        {"projectPath", project.folder.string()}};
+    return [&state, entry] { state.record(entry); };
+}
+
+Answer refresh(State& state, const Json& body) {
     const Project* only = body.contains("path") ? &state.projectAt(body["path"]) : nullptr;
-    return carryOut(state, body, Json::array(), [&state, only] {
-        for (Project& project : state.projects) {
-            if (only != nullptr && only != &project) {
-                continue;
-            }
-            readSkippedFolders(project);
-            recordAbout(state, project, "Refreshed " + project.name);
+    std::vector<Job> jobs;
+    for (const Project& project : state.projects) {
+        if (only != nullptr && only != &project) {
+            continue;
         }
-    });
+        jobs.push_back(
+            {project.folder,
+             "refresh",
+             {[&state, folder = project.folder] { readSkippedFolders(state.projectAt(folder)); },
+              told(state, project, "Refreshed " + project.name)}});
+    }
+    return carryOut(state, body, std::move(jobs));
 }
 
-/// Refuses files other than of the kinds wanted, then does `work` for each with its project.
-Json forEachOfKind(State& state, const Json& body, const std::vector<std::string>& extensions,
-                   const std::string& refusal,
-                   const std::function<void(const Project&, const fs::path&)>& work) {
-    const std::vector<fs::path> files = requestedFiles(state, body);
-    for (const fs::path& file : files) {
+/// Refuses files other than of the kinds wanted, then has `work` make each one's step.
+Answer
+forEachOfKind(State& state, const Json& body, const std::vector<std::string>& extensions,
+              const std::string& refusal,
+              const std::function<std::function<void()>(const Project&, const fs::path&)>& work) {
+    std::vector<Job> jobs;
+    for (const fs::path& file : requestedFiles(state, body)) {
         if (std::ranges::count(extensions, file.extension().string()) == 0) {
             throw Refusal(file.string() + refusal);
         }
+        const Project& project = state.projectOf(file);
+        jobs.push_back({project.folder, "", {work(project, file)}});
     }
-    return carryOut(state, body, body["paths"], [&state, files, work] {
-        for (const fs::path& file : files) {
-            work(state.projectOf(file), file);
-        }
-    });
+    return carryOut(state, body, std::move(jobs));
 }
 
-Json check(State& state, const Json& body) {
+Answer check(State& state, const Json& body) {
     return forEachOfKind(state, body, {".js"},
                          " is not Javascript, and nothing else can be checked.",
                          [&state](const Project& project, const fs::path& file) {
-                             checkSyntax(state, project, file);
+                             return [&state, folder = project.folder, file] {
+                                 checkSyntax(state, state.projectAt(folder), file);
+                             };
                          });
 }
 
-Json optimize(State& state, const Json& body) {
+Answer optimize(State& state, const Json& body) {
     return forEachOfKind(state, body, {".png", ".jpg", ".jpeg", ".gif", ".svg", ".webp"},
                          " is not an image that can be optimised.",
                          [&state](const Project& project, const fs::path& file) {
-                             recordAbout(state, project,
+                             return told(state, project,
                                          "Would optimise " + file.filename().string());
                          });
 }
 
-Json waitUntilIdle(State& state, const Json& body) {
-    const Project* project =
-        body.contains("projectPath") ? &state.projectAt(body["projectPath"]) : nullptr;
-    const std::uint64_t since = body.value("since", state.logCursor);
-    state.finishSubmittedWork();
-    Json report = workReport(state, since, project);
-    report["timedOut"] = isWaitExpired(body);
-    return report;
+Answer waitUntilIdle(State& state, const Json& body) {
+    const fs::path project =
+        body.contains("projectPath") ? state.projectAt(body["projectPath"]).folder : fs::path();
+    return reportWhenQuiet(
+        state, body, body.value("since", state.logCursor), project,
+        [project](const Job& job) { return project.empty() || job.project == project; });
 }
 
 std::ptrdiff_t severityRank(const std::string& severity) {
@@ -180,14 +204,20 @@ Json logEntries(State& state, const Json& body) {
 
 Json status(State& state, const Json& /*unused*/) {
     const auto frameworks = std::ranges::count(state.projects, true, &Project::isFramework);
+    const auto indexing = std::ranges::count(state.jobs, "refresh", &Job::kind);
     Json result = {{"logCursor", state.logCursor},
-                   {"isIndexing", false},
-                   {"isCompiling", !state.submittedWork.empty()},
+                   {"isIndexing", indexing > 0},
+                   {"isCompiling", std::ssize(state.jobs) > indexing},
                    {"isFileWatchingPaused", state.isFileWatchingPaused},
                    {"projectCount", std::ssize(state.projects) - frameworks},
                    {"frameworkCount", frameworks}};
-    if (!state.activeBuild.is_null()) {
-        result["activeBuild"] = state.activeBuild;
+    const auto build = std::ranges::find(state.jobs, "build", &Job::kind);
+    if (build != state.jobs.end()) {
+        const auto project = std::ranges::find(state.projects, build->project, &Project::folder);
+        result["activeBuild"] = {
+            {"projectName", project == state.projects.end() ? "" : project->name},
+            {"itemsCompleted", build->stepsDone},
+            {"itemsTotal", build->steps.size()}};
     }
     return result;
 }
@@ -208,17 +238,21 @@ std::string npmCommand(const Json& body) {
     return command;
 }
 
-Json packages(State& state, const Json& body) {
-    Project& project = state.projectOf(state.projectAt(body["path"]).folder);
+Answer packages(State& state, const Json& body) {
+    const Project& project = state.projectOf(state.projectAt(body["path"]).folder);
     if (body["action"] == "uninstall" && body["packages"].empty()) {
         throw Refusal("Uninstalling needs the names of the packages.");
     }
     const std::string command = npmCommand(body);
-    Json report = carryOut(state, body, Json::array(), [&state, &project, command] {
-        recordAbout(state, project, "Would run " + command);
-    });
-    report["command"] = command;
-    return report;
+    const Answer report = carryOut(
+        state, body, {Job{project.folder, "", {told(state, project, "Would run " + command)}}});
+    return [report, command, body] {
+        std::optional<Json> result = report();
+        if (result) {
+            result->update({{"command", command}, {"request", body}});
+        }
+        return result;
+    };
 }
 
 Json preview(State& /*unused*/, const Json& body) {
