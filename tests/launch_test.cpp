@@ -138,8 +138,8 @@ TEST(Launch, GivesUpWhenPatienceRunsOut) {
 
 TEST(Launch, TheSecondAttemptIsTheLast) {
     const Opener opener;
-    ScriptedPeer peer(ScriptedPeer::Later{},
-                      {[](Connection& c) { c.readRequest(); }, [](Connection& c) { c.reset(); }});
+    ScriptedPeer peer(ScriptedPeer::Later{}, {[](Connection& c) { c.readRequest(); },
+                                              [](Connection& c) { c.awaitFirstByte(); }});
     std::thread starter = startWhenOpened(peer, opener);
     const auto outcome = runLine("status --socket " + peer.path(), opener.settings(20s));
     starter.join();

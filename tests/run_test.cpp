@@ -1,10 +1,10 @@
+#include "support/outcomes.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -13,30 +13,9 @@
 namespace fernlow::test {
 namespace {
 
-constexpr const char* lost = "Fernlow's answer could not be written to standard output.\n";
-
-/// Answers every request alike.
-class AnsweringPeer {
-public:
-    explicit AnsweringPeer(const std::string& body, int times = 1)
-        : peer_(std::vector<ScriptedPeer::Script>(static_cast<std::size_t>(times),
-                                                  answer(reply(body)))) {}
-
-    [[nodiscard]] ProgramRun run(std::vector<std::string> words,
-                                 std::function<void()> prepare = {}) const {
-        words.insert(words.end(), {"--no-launch", "--socket", peer_.path()});
-        return {std::move(words), "/", std::move(prepare)};
-    }
-    const std::vector<std::string>& requests() { return peer_.requests(); }
-
-private:
-    ScriptedPeer peer_;
-};
-
 TEST(Run, AnswersHelpAndVersionByItself) {
-    const Outcome version{"1\n", "", 0};
     for (const char* word : {"--version", "-v", "version"}) {
-        EXPECT_EQ(runProgram({{word, "--no-launch", "extra"}}), version) << word;
+        EXPECT_EQ(runProgram({{word, "--no-launch", "extra"}}), (Outcome{"1\n", "", 0})) << word;
     }
     const Outcome help = runProgram({{"help"}});
     EXPECT_EQ(help.status, 0);
@@ -51,21 +30,9 @@ TEST(Run, ReportsUsageErrorsWithoutConnecting) {
                             2};
     EXPECT_EQ(runProgram({{}}), noCommand);
     EXPECT_EQ(runProgram({{"--json"}}), noCommand);
-    const Outcome unknown{
-        "", "There is no \"Status\" command. Run \"fernlow --help\" to see what there is.\n", 2};
-    EXPECT_EQ(runProgram({{"Status"}}), unknown);
     const Outcome notText{
         "", "\"/caf\uFFFD\" is not valid UTF-8, so it cannot be sent to Fernlow.\n", 2};
     EXPECT_EQ(runProgram({{"process", "/caf\xE9"}}), notText);
-}
-
-TEST(Run, WritesRefusalsToStandardErrorInBothForms) {
-    const std::string body = R"({"ok":false,"error":{"message":"No such project."}})";
-    AnsweringPeer peer(body, 2);
-    EXPECT_EQ(runProgram(peer.run({"status"})), (Outcome{"", body + "\n", 5}));
-    auto terminal = peer.run({"status"});
-    terminal.inTerminal = true;
-    EXPECT_EQ(runProgram(terminal), (Outcome{"No such project.\r\n", "", 5}));
 }
 
 TEST(Run, MakesControlCharactersVisibleInATerminal) {
@@ -98,13 +65,23 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
 }
 
 TEST(Run, ShowsRepliesHarmlesslyButLeavesJSONAlone) {
-    const std::string body = "{\"ok\":true,\"result\":[{\"name\":\"\u009b2J\\u001b]0;x\\r\"}]}";
-    AnsweringPeer peer(body, 2);
-    auto run = peer.run({"projects"});
-    run.inTerminal = true;
-    EXPECT_EQ(runProgram(run).standardOutput, "\uFFFD2J\uFFFD]0;x\uFFFD  [OFF]\r\n  \r\n");
-    run.arguments.emplace_back("--json");
-    EXPECT_EQ(runProgram(run).standardOutput, body + "\r\n");
+    const std::string refusal = R"({"ok":false,"error":{"message":"No such project."}})";
+    const std::string hostile = "{\"ok\":true,\"result\":[{\"name\":\"\u009b2J\\u001b]0;x\\r\"}]}";
+    const struct {
+        std::string body;
+        std::string line;
+        bool inTerminal;
+        Outcome expected;
+    } cases[] = {
+        {refusal, "status", false, {"", refusal + "\n", 5}},
+        {refusal, "status", true, {"No such project.\r\n", "", 5}},
+        {hostile, "status", true, {"\uFFFD2J\uFFFD]0;x\uFFFD  [OFF]\r\n  \r\n", "", 0}},
+        {hostile, "status --json", true, {hostile + "\r\n", "", 0}},
+    };
+    for (const auto& [body, line, inTerminal, expected] : cases) {
+        ScriptedPeer peer({answer(reply(body))});
+        EXPECT_EQ(runProgramAgainst(peer, line, {}, inTerminal), expected) << line;
+    }
 }
 
 // macOS has no limit to set, and the sanitizer reserves terabytes for itself.
@@ -138,29 +115,9 @@ TEST(Run, GoesOnWithStandardStreamsClosed) {
             ::close(stream);
         }
     };
-    AnsweringPeer peer(R"({"ok":true})");
-    EXPECT_EQ(runProgram(peer.run({"status"}, closeAll)).status, 1) << "the answer is lost";
+    ScriptedPeer peer({answerDone()});
+    EXPECT_EQ(runProgramAgainst(peer, "status", closeAll).status, 1) << "the answer is lost";
     EXPECT_EQ(peer.requests().front().substr(0, 15), "GET /v1/status ");
-}
-
-TEST(Run, NeverLosesAReplySilently) {
-    if (::access("/dev/full", W_OK) != 0) {
-        GTEST_SKIP() << "no /dev/full here";
-    }
-    const auto fillUp = [] { ::dup2(::open("/dev/full", O_WRONLY), STDOUT_FILENO); };
-    const struct {
-        const char* body;
-        int status;
-    } cases[] = {
-        {R"({"ok":true})", 1},
-        {R"({"ok":true,"result":{"errorCount":1}})", 1},
-        {R"({"ok":true,"result":{"timedOut":true}})", 4},
-    };
-    for (const auto& [body, status] : cases) {
-        AnsweringPeer peer(body);
-        EXPECT_EQ(runProgram(peer.run({"status"}, fillUp)), (Outcome{"", lost, status})) << body;
-    }
-    EXPECT_EQ(runProgram({{"help"}, "/", fillUp}), (Outcome{"", lost, 1}));
 }
 
 void leaveNoReader() {
@@ -171,21 +128,36 @@ void leaveNoReader() {
     }
 }
 
-TEST(Run, EndsTheUsualWayWhenItsReaderHasGone) {
-    AnsweringPeer peer(R"({"ok":true})", 2);
-    EXPECT_EQ(runProgram(peer.run({"status"}, leaveNoReader)).status, -SIGPIPE);
-    const auto ignoringThat = [] {
-        std::signal(SIGPIPE, SIG_IGN);
-        leaveNoReader();
+void leaveNoReaderUnnoticed() {
+    std::signal(SIGPIPE, SIG_IGN);
+    leaveNoReader();
+}
+
+TEST(Run, NeverLosesAReplySilently) {
+    const std::string lost = "Fernlow's answer could not be written to standard output.\n";
+    const struct {
+        const char* body;
+        int status;
+    } cases[] = {
+        {R"({"ok":true})", 1},
+        {R"({"ok":true,"result":{"errorCount":1}})", 1},
+        {R"({"ok":true,"result":{"timedOut":true}})", 4},
     };
-    EXPECT_EQ(runProgram(peer.run({"status"}, ignoringThat)), (Outcome{"", lost, 1}));
+    for (const auto& [body, status] : cases) {
+        ScriptedPeer peer({answer(reply(body)), answer(reply(body))});
+        EXPECT_EQ(runProgramAgainst(peer, "status", leaveNoReader).status, -SIGPIPE);
+        EXPECT_EQ(runProgramAgainst(peer, "status", leaveNoReaderUnnoticed),
+                  (Outcome{"", lost, status}));
+    }
+    EXPECT_EQ(runProgram({{"help"}, "/", leaveNoReaderUnnoticed}), (Outcome{"", lost, 1}));
 }
 
 TEST(Run, WaitsForANonBlockingOutput) {
     const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
-    AnsweringPeer peer(body);
+    ScriptedPeer peer({answer(reply(body))});
     const auto makeNonBlocking = [] { ::fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK); };
-    EXPECT_EQ(runProgram(peer.run({"status"}, makeNonBlocking)), (Outcome{body + "\n", "", 0}));
+    EXPECT_EQ(runProgramAgainst(peer, "status --json", makeNonBlocking, true),
+              (Outcome{body + "\r\n", "", 0}));
 }
 
 TEST(Run, NeedsTheCurrentDirectoryOnlyWhereAPathDoes) {
@@ -201,9 +173,9 @@ TEST(Run, NeedsTheCurrentDirectoryOnlyWhereAPathDoes) {
     for (const auto& words : {std::vector<std::string>{"build"}, {"process", "a.scss"}}) {
         EXPECT_EQ(runProgram({words, "/", deleteFolder}), unreadable) << words[0];
     }
-    AnsweringPeer peer(R"({"ok":true})", 2);
-    EXPECT_EQ(runProgram(peer.run({"status"}, deleteFolder)).status, 0);
-    EXPECT_EQ(runProgram(peer.run({"process", "/a.scss"}, deleteFolder)).status, 0);
+    ScriptedPeer peer({answerDone(), answerDone()});
+    EXPECT_EQ(runProgramAgainst(peer, "status", deleteFolder).status, 0);
+    EXPECT_EQ(runProgramAgainst(peer, "process /a.scss", deleteFolder).status, 0);
 }
 
 } // namespace

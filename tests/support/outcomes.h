@@ -1,9 +1,12 @@
 #pragma once
 
+#include "support/command_line.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
 
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace fernlow::test {
 
@@ -24,9 +27,21 @@ inline const Outcome& afterReset = malformed;
 inline const Outcome& afterReset = readFailed;
 #endif
 
+/// The reply of an application that has nothing to say.
+inline ScriptedPeer::Script answerDone() {
+    return answer(reply(R"({"ok":true})"));
+}
+
 /// Runs the words of a line against a peer that is there already.
 inline Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
     return runLine("--no-launch --socket " + peer.path() + " " + line);
+}
+
+/// The same with the built program, once `prepare` has spoilt something.
+inline Outcome runProgramAgainst(const ScriptedPeer& peer, const std::string& line,
+                                 std::function<void()> prepare = {}, bool inTerminal = false) {
+    return runProgram({splitWords("--no-launch --socket " + peer.path() + " " + line), "/",
+                       std::move(prepare), inTerminal});
 }
 
 } // namespace fernlow::test

@@ -1,17 +1,13 @@
 #include "support/process.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
-#include <fstream>
 #include <ostream>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 #ifdef __APPLE__
@@ -29,74 +25,30 @@ namespace fernlow::test {
 
 namespace {
 
-std::string contents(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
+/// Files in place of the standard streams.
+struct Streams {
+    TemporaryFolder folder;
+    int output = open("out");
+    int error = open("err");
 
-int openForWriting(const std::string& path) {
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-}
-
-/// What a descriptor gives until its other side is closed; a pseudo-terminal ends with an error.
-std::string readAll(int descriptor) {
-    std::string text;
-    std::array<char, 65536> buffer{};
-    for (;;) {
-        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
-        if (count <= 0) {
-            return text;
-        }
-        text.append(buffer.data(), static_cast<std::size_t>(count));
+    [[nodiscard]] int open(const char* name) const {
+        return ::open(folder.file(name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     }
-}
-
-int waitFor(pid_t process) {
-    int status = 0;
-    ::waitpid(process, &status, 0);
-    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-}
-
-/// The new process's side of a run. Between fork and exec nothing may be allocated: another thread
-/// (a scripted peer) may have held the allocator's lock when the process was forked.
-class Child {
-public:
-    explicit Child(const ProgramRun& run) : run_(run), words_{FERNLOW_PROGRAM} {
-        words_.insert(words_.end(), run.arguments.begin(), run.arguments.end());
-        for (std::string& word : words_) {
-            argv_.push_back(word.data());
-        }
-        argv_.push_back(nullptr);
+    [[nodiscard]] Outcome close(int status) const {
+        ::close(output);
+        ::close(error);
+        return {folder.contents("out"), folder.contents("err"), status};
     }
-
-    [[noreturn]] void become() const {
-        if (::chdir(run_.folder.c_str()) == 0) {
-            if (run_.prepare) {
-                run_.prepare();
-            }
-            ::execv(argv_.front(), argv_.data());
-        }
-        ::_exit(127);
-    }
-
-private:
-    const ProgramRun& run_;
-    std::vector<std::string> words_;
-    std::vector<char*> argv_;
 };
 
-Outcome runInTerminal(const Child& child) {
-    int terminal = -1;
-    const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (process == 0) {
-        child.become();
+/// Copies what is written to a terminal until its other side is closed, which is an error here.
+void copyFrom(int terminal, int file) {
+    std::array<char, 65536> buffer{};
+    for (ssize_t count = 1; count > 0;) {
+        count = ::read(terminal, buffer.data(), buffer.size());
+        count = count > 0 ? ::write(file, buffer.data(), static_cast<std::size_t>(count)) : count;
     }
-    Outcome outcome;
-    outcome.standardOutput = readAll(terminal);
     ::close(terminal);
-    outcome.status = waitFor(process);
-    return outcome;
 }
 
 } // namespace
@@ -107,47 +59,44 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
 }
 
 Outcome runLine(std::string_view line, LaunchSettings launch) {
-    const TemporaryFolder folder;
-    RunSurroundings surroundings;
-    surroundings.standardOutput = openForWriting(folder.file("out"));
-    surroundings.standardError = openForWriting(folder.file("err"));
-    surroundings.launch = std::move(launch);
-    Outcome outcome;
-    outcome.status = runAgentCLI(splitWords(line), CurrentDirectory("/p/src"), true, surroundings);
-    ::close(surroundings.standardOutput);
-    ::close(surroundings.standardError);
-    outcome.standardOutput = contents(folder.file("out"));
-    outcome.standardError = contents(folder.file("err"));
-    return outcome;
+    const Streams streams;
+    return streams.close(runAgentCLI(splitWords(line), CurrentDirectory("/p/src"), true,
+                                     {streams.output, streams.error, std::move(launch)}));
 }
 
 Outcome runProgram(const ProgramRun& run) {
-    const Child child(run);
-    if (run.inTerminal) {
-        return runInTerminal(child);
+    std::vector<std::string> words{FERNLOW_PROGRAM};
+    words.insert(words.end(), run.arguments.begin(), run.arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words) {
+        argv.push_back(word.data());
     }
-    const TemporaryFolder folder;
-    const int error = openForWriting(folder.file("err"));
-    std::array<int, 2> output{};
-    if (::pipe(output.data()) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    const pid_t process = ::fork();
+    argv.push_back(nullptr);
+    const Streams streams;
+    int terminal = -1;
+    // Between fork and exec nothing may be allocated: another thread (a scripted peer) may have
+    // held the allocator's lock when the process was forked.
+    const pid_t process =
+        run.inTerminal ? ::forkpty(&terminal, nullptr, nullptr, nullptr) : ::fork();
     if (process == 0) {
-        ::dup2(output[1], STDOUT_FILENO);
-        ::dup2(error, STDERR_FILENO);
-        ::close(output[0]);
-        ::close(output[1]);
-        child.become();
+        if (!run.inTerminal) {
+            ::dup2(streams.output, STDOUT_FILENO);
+            ::dup2(streams.error, STDERR_FILENO);
+        }
+        if (::chdir(run.folder.c_str()) == 0) {
+            if (run.prepare) {
+                run.prepare();
+            }
+            ::execv(argv.front(), argv.data());
+        }
+        ::_exit(127);
     }
-    ::close(output[1]);
-    ::close(error);
-    Outcome outcome;
-    outcome.standardOutput = readAll(output[0]);
-    ::close(output[0]);
-    outcome.status = waitFor(process);
-    outcome.standardError = contents(folder.file("err"));
-    return outcome;
+    if (run.inTerminal) {
+        copyFrom(terminal, streams.output);
+    }
+    int status = 0;
+    ::waitpid(process, &status, 0);
+    return streams.close(WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status));
 }
 
 StandIn::StandIn(const std::string& socketPath) {

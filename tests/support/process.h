@@ -30,7 +30,7 @@ struct ProgramRun {
     /// Called in the new process before the program is started, to spoil something. It must not
     /// allocate.
     std::function<void()> prepare{};
-    /// Standard output and standard error are one pseudo-terminal instead of two pipes; its text
+    /// Standard output and standard error are one pseudo-terminal instead of two files; its text
     /// stands in the outcome's standardOutput.
     bool inTerminal = false;
 };
@@ -44,8 +44,6 @@ public:
     explicit StandIn(const std::string& socketPath);
     StandIn(const StandIn&) = delete;
     StandIn& operator=(const StandIn&) = delete;
-    StandIn(StandIn&&) = delete;
-    StandIn& operator=(StandIn&&) = delete;
     ~StandIn();
 
 private:

@@ -2,43 +2,38 @@
 
 #include "platform/platform.h"
 #include "support/seeds.h"
-#include "transport/socket_client.h"
-#include "transport/socket_client_error.h"
 
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <cstring>
+#include <cstdlib>
 #include <stdexcept>
-#include <utility>
 
 namespace fernlow::test {
 
 namespace {
 
-/// The length of the whole request, once its head is complete; 0 before.
-std::size_t requestLength(const std::string& request) {
+/// Whether head and body are there.
+bool isComplete(const std::string& request) {
+    constexpr std::string_view lengthHeader = "Content-Length: ";
     const std::size_t headEnd = request.find("\r\n\r\n");
-    const std::size_t length = request.find("Content-Length: ");
-    if (headEnd == std::string::npos || length == std::string::npos) {
-        return 0;
-    }
-    return headEnd + 4 + std::stoul(request.substr(length + std::strlen("Content-Length: ")));
+    const std::size_t length = request.find(lengthHeader);
+    return headEnd != std::string::npos && length != std::string::npos &&
+           request.size() - headEnd - 4 >=
+               std::strtoul(request.c_str() + length + lengthHeader.size(), nullptr, 10);
 }
 
 } // namespace
 
 const std::string& ScriptedPeer::Connection::readRequest() {
     std::array<char, 65536> buffer{};
-    while (requestLength(request_) == 0 || request_.size() < requestLength(request_)) {
-        const ssize_t count = ::read(socket_, buffer.data(), buffer.size());
-        if (count <= 0) {
-            break;
-        }
-        request_.append(buffer.data(), static_cast<std::size_t>(count));
+    for (ssize_t count = 1; count > 0 && !isComplete(request_);) {
+        count = ::read(socket_, buffer.data(), buffer.size());
+        request_.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
     return request_;
 }
@@ -51,12 +46,6 @@ void ScriptedPeer::Connection::write(std::string_view bytes) const {
         }
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
-}
-
-void ScriptedPeer::Connection::reset() {
-    // A Unix-domain socket has no linger: closing with unread bytes is what resets it.
-    awaitFirstByte();
-    close();
 }
 
 void ScriptedPeer::Connection::awaitFirstByte() const {
@@ -74,39 +63,9 @@ void ScriptedPeer::Connection::waitUntilGone() const {
     }
 }
 
-void ScriptedPeer::Connection::close() {
-    if (socket_ >= 0) {
-        ::close(std::exchange(socket_, -1));
-    }
-}
-
-void ScriptedPeer::Connection::waitForClose() const {
-    // The client never half-closes, so the end can only be a close; what it sent lies before it.
-    std::array<char, 65536> buffer{};
-    while (::read(socket_, buffer.data(), buffer.size()) > 0) {
-    }
-}
-
-ScriptedPeer::ScriptedPeer(std::vector<Script> scripts)
-    : ScriptedPeer(Later{}, std::move(scripts)) {
-    start();
-}
-
-ScriptedPeer::ScriptedPeer(Later /*later*/, std::vector<Script> scripts)
-    : scripts_(std::move(scripts)) {}
-
 ScriptedPeer::~ScriptedPeer() {
-    if (!thread_.joinable()) {
-        return;
-    }
     stopping_ = true;
-    try {
-        // Wakes an accept that nobody connects to any more.
-        AgentSocketClient::connect(path(), 0);
-    } catch (const AgentSocketClientError&) {
-        // The last script is done.
-    }
-    thread_.join();
+    requests();
 }
 
 void ScriptedPeer::start() {
@@ -123,16 +82,18 @@ void ScriptedPeer::start() {
 
 void ScriptedPeer::serve(int listener) {
     for (const Script& script : scripts_) {
-        const int socket = ::accept(listener, nullptr, nullptr);
+        pollfd waiting{listener, POLLIN, 0};
+        while (!stopping_ && ::poll(&waiting, 1, 5) != 1) {
+        }
         if (stopping_) {
-            ::close(socket);
             break;
         }
+        const int socket = ::accept(listener, nullptr, nullptr);
         platform::prepareSocket(socket);
         Connection connection(socket);
         script(connection);
-        connection.close();
-        requests_.push_back(connection.request());
+        ::close(socket);
+        requests_.push_back(connection.request_);
     }
     ::close(listener);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace fernlow::test {
@@ -24,34 +25,27 @@ public:
         const std::string& readRequest();
         /// Writes as much as the client takes.
         void write(std::string_view bytes) const;
-        /// Closes so that the client sees a reset instead of an end.
-        void reset();
-        void close();
-        /// Waits for the request to begin, without taking it.
+        /// Waits for the request to begin, without taking it. A script that ends there closes with
+        /// unread bytes, which the client sees as a reset: these sockets have no linger.
         void awaitFirstByte() const;
-        /// Takes whatever comes until the client has closed its side.
-        void waitForClose() const;
         /// Waits until the client has closed its side, without taking anything.
         void waitUntilGone() const;
         [[nodiscard]] bool isGone() const;
 
-        [[nodiscard]] const std::string& request() const { return request_; }
-
     private:
+        friend ScriptedPeer;
         int socket_;
         std::string request_;
     };
     using Script = std::function<void(Connection&)>;
 
-    /// Listens at once; each script serves one connection, after which nobody listens.
-    explicit ScriptedPeer(std::vector<Script> scripts);
+    /// Each script serves one connection, after which nobody listens.
+    explicit ScriptedPeer(std::vector<Script> scripts) : ScriptedPeer(Later{}, std::move(scripts)) {
+        start();
+    }
     /// Listens once start() is called.
     struct Later {};
-    ScriptedPeer(Later later, std::vector<Script> scripts);
-    ScriptedPeer(const ScriptedPeer&) = delete;
-    ScriptedPeer& operator=(const ScriptedPeer&) = delete;
-    ScriptedPeer(ScriptedPeer&&) = delete;
-    ScriptedPeer& operator=(ScriptedPeer&&) = delete;
+    ScriptedPeer(Later /*later*/, std::vector<Script> scripts) : scripts_(std::move(scripts)) {}
     ~ScriptedPeer();
 
     void start();

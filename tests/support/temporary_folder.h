@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 namespace fernlow::test {
@@ -17,8 +19,6 @@ public:
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    TemporaryFolder(TemporaryFolder&&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
     ~TemporaryFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
@@ -26,6 +26,12 @@ public:
 
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
     [[nodiscard]] const std::string& path() const { return path_; }
+    /// What a file in it holds; nothing when there is no such file.
+    [[nodiscard]] std::string contents(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(file(name)).rdbuf();
+        return text.str();
+    }
 
 private:
     std::string path_;
