@@ -39,9 +39,8 @@ std::string notANumber(const std::string& option, const std::string& value) {
 
 TEST(UsageErrors, Dispatch) {
     expectMessages({
-        {"--json", R"(No command given. Run "fernlow --help" to see what there is.)"},
-        {"help --socket", R"("--socket" needs a value after it.)"},
         {"Status", noSuchCommand("Status")},
+        {"help --socket", R"("--socket" needs a value after it.)"},
         {R"('-x "y"')", noSuchCommand(R"(-x "y")")},
         {"status y -x", R"("y" was not expected here.)"},
         {"projects -x y", notAnOption("-x")},
@@ -55,25 +54,18 @@ TEST(UsageErrors, Work) {
     expectMessages({
         {"process", R"("process" needs a path.)"},
         {"process --x --timeout y --settle 2.5", notANumber("--settle", "2.5")},
-        {"process --x --timeout y", notANumber("--timeout", "y")},
         {"process --settle --timeout 5", notANumber("--settle", "--timeout")},
         {"process a --settle", notAnOption("--settle")},
         {"process --exactly --exactly a", notAnOption("--exactly")},
         {"wait x --timeout y --settle z --since -1", notANumber("--since", "-1")},
         {"wait x --timeout y --settle z", notANumber("--settle", "z")},
-        {"wait x --timeout y", notANumber("--timeout", "y")},
         {"wait --since 1 --since 2", notAnOption("--since")},
-        {"wait -x y", notAnOption("-x")},
         {"log x --limit ten --since -1", notANumber("--since", "-1")},
-        {"log x --limit ten", notANumber("--limit", "ten")},
-        {"log x --settle 1", R"("x" was not expected here.)"},
         {"log --project --json", notAnOption("--project")},
-        {"build --x --timeout y", notANumber("--timeout", "y")},
         {"build --settle 5", notAnOption("--settle")},
         {"refresh --all --x", notAnOption("--x")},
         {"optimize", R"("optimize" needs a path.)"},
         {"check --no-wait", R"("check" needs a path.)"},
-        {"check --settle 5", notAnOption("--settle")},
     });
 }
 
@@ -97,10 +89,8 @@ TEST(UsageErrors, ProjectsAndGroups) {
         {"groups add '' Blog", R"("a group name for "groups add"" needs a value after it.)"},
         {"groups remove", R"("a group name for "groups remove"" needs a value after it.)"},
         {"groups rename", R"("a group name for "groups rename"" needs a value after it.)"},
-        {"groups rename Old", R"("a new name for "Old"" needs a value after it.)"},
         {"groups rename Old '' New", R"("a new name for "Old"" needs a value after it.)"},
         {"groups delete Blog", noSuchCommand("groups delete")},
-        {"move a --group", notAnOption("--group")},
         {"rename --x --name", R"("--name" needs a value after it.)"},
     });
 }
@@ -114,7 +104,6 @@ TEST(UsageErrors, PackagesAndPreview) {
         {"packages prune --global", notAnOption("--global")},
         {"packages --global", R"("packages" needs a value after it.)"},
         {"packages Install --global", noSuchCommand("packages Install")},
-        {"packages install -g --path", notAnOption("--path")},
         {"preview x --address y", R"("x" was not expected here.)"},
         {"preview --address LAN", notANumber("--address", "LAN")},
     });
@@ -130,13 +119,10 @@ TEST(UsageErrors, SettingsAndDefaults) {
         {"settings ./x --path", notAnOption("--path")},
         {"settings set word --path", notAnOption("--path")},
         {"settings set =x word --values [", R"("=x" was not expected here.)"},
-        {"settings set word =x", R"("word" was not expected here.)"},
         {"settings set a=b --values [", notANumber("--values", "[")},
         {"settings set --values {}", R"("settings set" needs a value after it.)"},
-        {"settings schema --language a --language b", notAnOption("--language")},
         {"settings apply-output-paths --x", R"("--language" needs a value after it.)"},
         {"settings apply-output-paths --language a --x", notAnOption("--x")},
-        {"defaults -x", notAnOption("-x")},
         {"defaults --extension x", noSuchCommand("defaults x")},
         {"defaults ./x", noSuchCommand("defaults ./x")},
         {"defaults schema x", R"("x" was not expected here.)"},
@@ -186,8 +172,6 @@ TEST(UsageErrors, Collections) {
         {"collections add --type x --values [", R"("--kind" needs a value after it.)"},
         {"collections add --kind x --type y", notANumber("--kind", "x")},
         {"collections add --kind hooks --values [ --type y", notANumber("--type", "y")},
-        {"collections add --kind hooks --values [", notANumber("--values", "[")},
-        {"collections remove --kind", notAnOption("--kind")},
         {"collections remove", R"("--kind" needs a value after it.)"},
         {"collections remove --kind hooks --id ''", R"("--id" needs a value after it.)"},
         {"collections move --x", R"("--position" needs a value after it.)"},
@@ -215,12 +199,10 @@ TEST(UsageErrors, WordsThatCannotBeWritten) {
 }
 
 TEST(HelpText, NamesTheDefaults) {
-    const std::string text = usageText();
-    EXPECT_NE(text.find("\n  --timeout <seconds>        How long to wait. Default 600.\n"),
-              std::string::npos);
-    EXPECT_NE(text.find("\n  --settle <milliseconds>    Pause before deciding nothing is happening."
-                        " Default 400.\n"),
-              std::string::npos);
+    for (const char* line : {"\n  --timeout <seconds>        How long to wait. Default 600.\n",
+                             "Pause before deciding nothing is happening. Default 400.\n"}) {
+        EXPECT_NE(usageText().find(line), std::string::npos) << line;
+    }
 }
 
 } // namespace fernlow::test
