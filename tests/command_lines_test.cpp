@@ -102,9 +102,9 @@ constexpr Case cases[] = {
      "settings/set {path:'/p/site',language:'sass',fileExtension:'x',values:{},literals:{'-k':'',"
      "a:' c=d',z:'1'}}"},
     {R"(settings set --values '{"t":"true","n":null,"l":["y","x"],"i":1e2,"e":[],"d":1.5,)"
-     R"("b":true,"a":-3.0,"m":9223372036854775807}')",
+     R"("b":true,"a":-3.0,"m":9223372036854775807,"x":1e21,"z":0}')",
      "settings/set {path:'/p/src',values:{a:-3,b:true,d:1.5,e:[],i:100,l:['y','x'],"
-     "m:9223372036854775807,n:null,t:'true'},literals:{}}"},
+     "m:9223372036854775807,n:null,t:'true',x:1000000000000000000000,z:0},literals:{}}"},
     {"settings schema ./a b --language sass --extension x --values [",
      "settings/schema {path:'/p/src/a',language:'sass'}"},
     {"settings apply-output-paths --language less",

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <iterator>
 #include <limits>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -65,53 +64,35 @@ TEST(Utf8, ReplacesMaximalSubparts) {
     }
 }
 
-TEST(Number, WholeLiteralsGiveTheirDigits) {
-    struct Case {
-        std::string_view literal;
-        std::optional<std::string> digits;
-    };
-    const Case cases[] = {
+TEST(Number, IsShownInPlainDigits) {
+    const struct {
+        std::string literal;
+        std::string shown;
+    } cases[] = {
         {"-0", "0"},
-        {"0e99999999999999999999", "0"},
+        {"0e999", "0"},
         {"-7.000", "-7"},
         {"-1E+2", "-100"},
         {"1.50e1", "15"},
         {"0.001e3", "1"},
         {"100e-2", "1"},
         {"9007199254740993.0", "9007199254740993"},
-        {"123456789012345678901234567890", "123456789012345678901234567890"},
+        {"-123456789012345678901234567890", "-123456789012345678901234567890"},
         {"1e308", "1" + std::string(308, '0')},
-        {"1.5", std::nullopt},
-        {"15e-1", std::nullopt},
-        {"1.05e1", std::nullopt},
-        {"1e400", std::nullopt},
-        {"1e99999999999999999999", std::nullopt},
-        {"1e-99999999999999999999", std::nullopt},
+        {"15e-1", "1.5"},
+        {"1.05e1", "10.5"},
+        {"-0.50", "-0.5"},
+        {"0.30000000000000004", "0.30000000000000004"},
+        {"1234567.125", "1234567.125"},
+        {"1e-5", "0.00001"},
+        {"1e400", "1e400"},
     };
-    for (const Case& row : cases) {
-        EXPECT_EQ(json::wholeDigits(row.literal), row.digits) << row.literal;
+    for (const auto& [literal, shown] : cases) {
+        const std::string body = R"({"ok":true,"result":{"applied":{"n":)" + literal + "}}}";
+        EXPECT_EQ(presentReply(200, ByteBuffer(body), false).text.view(),
+                  "Project-wide:\n  n = " + shown);
     }
-}
-
-TEST(Number, ShortestDecimalsReadBackAndStayPlain) {
-    struct Case {
-        double value;
-        std::string_view text;
-    };
-    const Case cases[] = {
-        {0, "0"},
-        {-2, "-2"},
-        {100000, "100000"},
-        {1e21, "1000000000000000000000"},
-        {0.5, "0.5"},
-        {0.1 + 0.2, "0.30000000000000004"},
-        {-1234567.125, "-1234567.125"},
-        {0.00001, "0.00001"},
-    };
-    for (const Case& row : cases) {
-        EXPECT_EQ(json::shortestDecimal(row.value), row.text);
-    }
-    for (const double extreme : {1e-7, 5e-324, 1e23, std::numeric_limits<double>::max()}) {
+    for (const double extreme : {1e-7, 5e-324, 1e21, 1e23, std::numeric_limits<double>::max()}) {
         const std::string text = json::shortestDecimal(extreme);
         EXPECT_EQ(std::strtod(text.c_str(), nullptr), extreme) << text;
         EXPECT_EQ(text.find_first_of("e.") == std::string::npos, extreme > 1) << text;
