@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace fernlow {
 
@@ -14,6 +16,18 @@ constexpr char escape = '\x1B';
 /// Nearly every character of nearly every text.
 bool isPrintableASCII(char character) {
     return character >= ' ' && character <= '~';
+}
+
+/// Whether the text begins with eight of them, told at once.
+bool beginsPrintable(std::string_view text) {
+    std::uint64_t eight = 0;
+    if (text.size() < sizeof eight) {
+        return false;
+    }
+    std::memcpy(&eight, text.data(), sizeof eight);
+    // A byte's highest bit is set here when the byte lies beyond "~" or, less a space, below zero.
+    const std::uint64_t odd = eight | (eight + 0x0101010101010101U) | (eight - 0x2020202020202020U);
+    return (odd & 0x8080808080808080U) == 0;
 }
 
 /// The length of the colour sequence that the text begins with; 0 where it begins with none.
@@ -65,6 +79,10 @@ Step firstStep(std::string_view text) {
 std::size_t firstControl(std::string_view text) {
     std::size_t at = 0;
     while (at < text.size()) {
+        if (beginsPrintable(text.substr(at))) {
+            at += 8;
+            continue;
+        }
         if (isPrintableASCII(text[at])) {
             ++at;
             continue;
