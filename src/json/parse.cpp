@@ -54,10 +54,10 @@ public:
     bool on_array_begin(Error& /*error*/) { return selects_ ? skipList() : open(Kind::list); }
     bool on_array_end(std::size_t /*size*/, Error& /*error*/) { return close(); }
     bool on_key_part(Text part, std::size_t size, Error& /*error*/) {
-        return selects_ ? skipped_ > 0 || addKeyPart(part, size) : addPart(part);
+        return skipped_ > 0 || (selects_ ? addKeyPart(part, size) : addPart(part));
     }
     bool on_key(Text last, std::size_t size, Error& /*error*/) {
-        return selects_ ? skipped_ > 0 || selectMember(last, size) : addText(last, size);
+        return skipped_ > 0 || (selects_ ? selectMember(last, size) : addText(last, size));
     }
     bool on_string_part(Text part, std::size_t /*size*/, Error& /*error*/) {
         return selects_ || addPart(part);
