@@ -65,7 +65,7 @@ Outcome runLine(std::string_view line, LaunchSettings launch) {
 }
 
 Outcome runProgram(const ProgramRun& run) {
-    std::vector<std::string> words{FERNLOW_PROGRAM};
+    std::vector<std::string> words{run.program};
     words.insert(words.end(), run.arguments.begin(), run.arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words) {

@@ -33,6 +33,8 @@ struct ProgramRun {
     /// Standard output and standard error are one pseudo-terminal instead of two files; its text
     /// stands in the outcome's standardOutput.
     bool inTerminal = false;
+    /// Another program instead.
+    const char* program = FERNLOW_PROGRAM;
 };
 
 /// Runs the built program and waits for it.

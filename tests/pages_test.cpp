@@ -1,0 +1,73 @@
+// The pages show what the programs print: a page's commands are run in one shell, in their order,
+// against the stand-in.
+#include "support/process.h"
+#include "support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace fernlow::test {
+namespace {
+
+std::string replaced(std::string text, const std::string& piece, const std::string& other) {
+    for (std::size_t at = 0; (at = text.find(piece, at)) != std::string::npos; at += other.size()) {
+        text.replace(at, piece.size(), other);
+    }
+    return text;
+}
+
+/// What a page's ```console blocks show, and the script that prints the same. Commands in a comment
+/// that begins "<!-- console" prepare the stage, and what they print is dropped.
+struct Transcript {
+    std::string script = "show() { was=$?; printf '%s\\n' \"$1\"; return $was; }\nexec 2>&1\n";
+    std::string shown;
+
+    explicit Transcript(const std::string& page) {
+        std::ifstream lines(FERNLOW_ROOT "/" + page);
+        std::string_view end;
+        for (std::string line; std::getline(lines, line);) {
+            if (end.empty()) {
+                end = line == "```console" ? "```" : line == "<!-- console" ? "-->" : "";
+            } else if (line == end) {
+                end = "";
+            } else if (end == "-->") {
+                script += "{ " + line + "; } >/dev/null\n";
+            } else {
+                if (line.starts_with("$ ")) {
+                    script +=
+                        "show '" + replaced(line, "'", "'\\''") + "'\n" + line.substr(2) + "\n";
+                    // An empty line before a command is the page's own.
+                    shown.resize(shown.size() - (shown.ends_with("\n\n") ? 1 : 0));
+                }
+                shown += line + "\n";
+            }
+        }
+    }
+};
+
+/// Pages for people show what a terminal gets, those for agents what a pipe does.
+void expectTrue(const std::string& page, bool inTerminal) {
+    const TemporaryFolder folder;
+    const StandIn standIn(folder.file("s"));
+    const std::string home = std::filesystem::canonical(folder.path()).string();
+    const Transcript transcript(page);
+    ASSERT_NE(transcript.shown, "") << page;
+    const std::string script = "fernlow() { '" FERNLOW_PROGRAM "' --no-launch --socket " + home +
+                               "/s \"$@\"; }\n" + replaced(transcript.script, "/home/me", home);
+    ProgramRun run{{"-c", script}, home, {}, inTerminal};
+    run.program = "/bin/sh";
+    EXPECT_EQ(replaced(replaced(runProgram(run).standardOutput, home, "/home/me"), "\r", ""),
+              transcript.shown)
+        << page;
+}
+
+TEST(Pages, ShowWhatIsPrinted) {
+    expectTrue("README.md", true);
+    expectTrue("docs/for-agents.md", false);
+}
+
+} // namespace
+} // namespace fernlow::test
