@@ -20,6 +20,8 @@ namespace {
 using namespace std::chrono_literals;
 using Connection = ScriptedPeer::Connection;
 
+constexpr const char* nobody = "/no/such/socket";
+
 /// A script in place of the program that starts the application. It notes how it was called.
 class Opener {
 public:
@@ -30,8 +32,10 @@ public:
         ::chmod(folder_.file("open").c_str(), 0700);
     }
 
-    [[nodiscard]] LaunchSettings settings(std::chrono::milliseconds patience) const {
-        return {folder_.file("open"), 10ms, patience};
+    /// A run that has this script start the application.
+    [[nodiscard]] Outcome run(const std::string& socketPath,
+                              std::chrono::milliseconds patience = 20s) const {
+        return runLine("status --socket " + socketPath, {folder_.file("open"), 10ms, patience});
     }
     [[nodiscard]] bool wasCalled() const { return std::filesystem::exists(folder_.file("calls")); }
     [[nodiscard]] std::string noted(const std::string& name) const {
@@ -50,7 +54,7 @@ Outcome runAndStart(ScriptedPeer& peer, const Opener& opener) {
         }
         peer.start();
     });
-    Outcome outcome = runLine("status --socket " + peer.path(), opener.settings(20s));
+    Outcome outcome = opener.run(peer.path());
     starter.join();
     return outcome;
 }
@@ -72,11 +76,10 @@ TEST(Launch, StartsTheApplicationOnceAndTriesAgain) {
 TEST(Launch, HappensOnlyWhenNobodyListens) {
     const Opener opener;
     ScriptedPeer peer({answerDone(), answer("not a reply")});
-    EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)), done);
-    EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)).status, 3);
+    EXPECT_EQ(opener.run(peer.path()), done);
+    EXPECT_EQ(opener.run(peer.path()), malformed);
     peer.requests();
-    EXPECT_EQ(runLine("status --no-launch --socket " + peer.path(), opener.settings(20s)),
-              notRunning);
+    EXPECT_EQ(opener.run(peer.path() + " --no-launch"), notRunning);
     EXPECT_FALSE(opener.wasCalled());
 }
 
@@ -86,10 +89,9 @@ TEST(Launch, IsNoRemedyForATooLongPath) {
     const Opener opener;
     const Outcome tooLong{
         "", "That socket path is too long. The limit is 103 characters:\n\n" + path + "\n", 3};
-    EXPECT_EQ(runLine("status --socket " + path, opener.settings(20s)), tooLong);
+    EXPECT_EQ(opener.run(path), tooLong);
     EXPECT_FALSE(opener.wasCalled());
-    EXPECT_EQ(runLine("status --socket " + std::string(103, 'x'), opener.settings(10ms)),
-              notRunning);
+    EXPECT_EQ(opener.run(std::string(103, 'x'), 10ms), notRunning);
     EXPECT_TRUE(opener.wasCalled());
 }
 
@@ -123,11 +125,9 @@ TEST(Launch, UsesTheSystemsOpenerAndPatienceByDefault) {
 }
 
 TEST(Launch, GivesUpWhenPatienceRunsOut) {
-    const TemporaryFolder folder;
-    const std::string line = "status --socket " + folder.file("none");
-    const Opener opener("exit 1");
-    EXPECT_EQ(runLine(line, opener.settings(50ms)), notRunning);
-    EXPECT_EQ(runLine(line, {folder.file("no-such-program"), 10ms, 50ms}), notRunning);
+    EXPECT_EQ(Opener("exit 1").run(nobody, 50ms), notRunning);
+    EXPECT_EQ(runLine(std::string("status --socket ") + nobody, {"/no/such/program", 10ms, 50ms}),
+              notRunning);
 }
 
 TEST(Launch, ClosesTheProgramOff) {
@@ -138,8 +138,7 @@ for n in 3 4 5 6 7 8 9; do
 done)");
     const int zero = ::open("/dev/zero", O_RDWR);
     const int inheritable = ::fcntl(zero, F_DUPFD, 7);
-    const TemporaryFolder folder;
-    EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)), notRunning);
+    EXPECT_EQ(opener.run(nobody, 10ms), notRunning);
     ::close(inheritable);
     ::close(zero);
     EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
@@ -152,12 +151,10 @@ TEST(Launch, LeavesNoSignalIgnoredOrBlocked) {
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &usual);
-    const TemporaryFolder folder;
     for (const std::string name : {"PIPE", "TERM"}) {
         // Before its first child: some shells unblock every signal when they wait.
         const Opener opener("echo begun >steps; kill -" + name + " $$; echo outlived >>steps");
-        EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)),
-                  notRunning);
+        EXPECT_EQ(opener.run(nobody, 10ms), notRunning);
         EXPECT_EQ(opener.noted("steps"), "begun\n") << name;
     }
     ::pthread_sigmask(SIG_SETMASK, &usual, nullptr);
@@ -166,25 +163,10 @@ TEST(Launch, LeavesNoSignalIgnoredOrBlocked) {
 
 TEST(Launch, WaitsForTheProgramEvenWhereItsEndIsIgnored) {
     const Opener opener("sleep 0.2; echo done >ended");
-    const TemporaryFolder folder;
     const auto former = std::signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(runLine("status --socket " + folder.file("none"), opener.settings(10ms)), notRunning);
+    EXPECT_EQ(opener.run(nobody, 10ms), notRunning);
     std::signal(SIGCHLD, former);
     EXPECT_EQ(opener.noted("ended"), "done\n");
-}
-
-TEST(Launch, TwoRunsMayStartItAtOnce) {
-    const Opener opener;
-    const ScriptedPeer::Script tolerant = [](Connection& connection) {
-        if (!connection.readRequest().empty()) {
-            connection.write(reply(R"({"ok":true})"));
-        }
-    };
-    ScriptedPeer peer(ScriptedPeer::Later{}, {tolerant, tolerant, tolerant, tolerant});
-    std::thread other(
-        [&] { EXPECT_EQ(runLine("status --socket " + peer.path(), opener.settings(20s)), done); });
-    EXPECT_EQ(runAndStart(peer, opener), done);
-    other.join();
 }
 
 } // namespace
