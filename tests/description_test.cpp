@@ -7,8 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
-#include <set>
 #include <sstream>
 #include <string>
 
@@ -16,18 +14,7 @@ namespace fernlow::test {
 
 namespace {
 
-using Words = std::set<std::string>;
-
 constexpr OptionDescription help{"--help", {}, ""};
-
-Words matches(const std::string& text, const char* pattern) {
-    const std::regex regex(pattern);
-    Words words;
-    for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match) {
-        words.insert((*match)[1]);
-    }
-    return words;
-}
 
 /// The sources that take words off the command line.
 const std::string& sources() {
@@ -66,11 +53,6 @@ std::string sample(const ValueDescription& value, const std::string& other) {
 
 std::string sample(const OptionDescription& option) {
     return " " + std::string(option.word) + sample(option.value, "./option");
-}
-
-std::string name(const CommandDescription& form) {
-    return std::string(form.command) + (form.subcommand.empty() ? "" : " ") +
-           std::string(form.subcommand);
 }
 
 /// The form with an operand of each kind and the options that it requires, but for one.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <regex>
 #include <variant>
 
 namespace fernlow::test {
@@ -48,6 +49,20 @@ std::string outcome(std::string_view line, const std::string& currentDirectory) 
     } catch (const std::exception& error) {
         return error.what();
     }
+}
+
+std::string name(const CommandDescription& form) {
+    return std::string(form.command) + (form.subcommand.empty() ? "" : " ") +
+           std::string(form.subcommand);
+}
+
+Words matches(const std::string& text, const char* pattern) {
+    const std::regex regex(pattern);
+    Words words;
+    for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match) {
+        words.insert((*match)[1]);
+    }
+    return words;
 }
 
 } // namespace fernlow::test

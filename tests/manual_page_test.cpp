@@ -1,0 +1,115 @@
+#include "cli/description.h"
+#include "support/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <string>
+
+namespace fernlow::test {
+
+namespace {
+
+/// The synopsis of "files set", what is said of that as "files set:", and of its options as
+/// "files set --action". Outside such entries it is "rest --limit" and "rest"; "" is the page.
+std::map<std::string, std::string> partsOfThePage() {
+    std::map<std::string, std::string> parts;
+    std::ifstream file(FERNLOW_ROOT "/docs/fernlow.1");
+    std::string form, part;
+    for (std::string line; std::getline(file, line); parts[""] += line + "\n") {
+        line = std::regex_replace(line, std::regex(R"(\\-)"), "-");
+        if (parts[""].ends_with("\n.It Xo\n")) {
+            part = form = line.substr(4, line.find(" |") - 4);
+        } else if (line == ".Xc") {
+            part = form + ":";
+        } else if (line.starts_with(".It Fl ")) {
+            part = form + " -" + line.substr(7, line.find(' ', 7) - 7);
+        } else if (line.starts_with(".Sh ") || line.starts_with(".Ss ")) {
+            part = form = "rest";
+        }
+        parts[part] += " " + line;
+    }
+    return parts;
+}
+
+/// What a text has to say of a value, and no other numbers and choices.
+void expectFacts(const std::string& text, const ValueDescription& value) {
+    SCOPED_TRACE(text);
+    const auto& [least, most, usual] = value.range;
+    Words numbers;
+    for (const auto number : {least, most, usual.value_or(most)}) {
+        numbers.insert(std::to_string(number));
+    }
+    numbers.erase(std::to_string(NumberRange::lowest));
+    numbers.erase(std::to_string(NumberRange::highest));
+    EXPECT_TRUE(value.kind != ValueKind::number || matches(text, R"(\b(\d+)\b)") == numbers);
+    EXPECT_EQ(matches(text, R"(\.Cm (\w+))"), Words(value.choices.begin(), value.choices.end()));
+    EXPECT_NE(text.find(value.usually), std::string::npos);
+}
+
+} // namespace
+
+TEST(ManualPage, AgreesWithTheDescription) {
+    const auto parts = partsOfThePage();
+    auto others = parts;
+    std::string markup;
+    for (const auto* option : globalOptions()) {
+        markup += " Fl " + std::string(option->word.substr(1));
+        EXPECT_EQ(others.erase("rest " + std::string(option->word)), 1) << option->word;
+    }
+    for (const auto& form : commandDescriptions()) {
+        const std::string command = name(form);
+        std::string synopsis = " .Ic " + command;
+        for (const auto alias : form.aliases) {
+            synopsis += " | Fl " + std::string(alias.substr(1));
+        }
+        for (const bool isRequired : {true, false}) {
+            for (const auto* option : isRequired ? form.required : form.options) {
+                const std::string word(option->word), value(option->value.name);
+                const bool isSecond = word.starts_with("--no-") && !option->opposite.empty();
+                synopsis += isRequired ? " .Fl " : isSecond ? " | Fl " : " .Op Fl ";
+                synopsis += word.substr(1) + (value.empty() ? "" : " Ar ") + value;
+                const bool isOwn = parts.contains(command + " " + word);
+                const std::string part = (isOwn ? command : "rest") + " " + word;
+                expectFacts(parts.at(part), option->value);
+                others.erase(part);
+            }
+        }
+        for (const auto& [value, isRequired, repeats] : form.operands) {
+            synopsis += (isRequired ? " .Ar " : " .Op Ar ") + std::string(value.name);
+            synopsis += repeats ? " ..." : "";
+            if (!value.choices.empty()) {
+                expectFacts(parts.at(command + ":"), value);
+            }
+        }
+        EXPECT_EQ(parts.at(command), synopsis);
+        markup += synopsis;
+        others.erase(command);
+        others.erase(command + ":");
+    }
+    for (const std::string& word : matches(parts.at(""), R"((Fl [a-z-]+|Ic [a-z -]*[a-z]))")) {
+        EXPECT_NE(markup.find(word), std::string::npos) << word;
+    }
+    EXPECT_EQ(others.size(), 2) << others.rbegin()->first;
+}
+
+TEST(ManualPage, ShowsCommandLinesThatAreUnderstood) {
+    const auto page = std::regex_replace(partsOfThePage().at(""), std::regex(R"(\\\(aq)"), "'");
+    for (std::string line : matches(page, R"(\$ (?:\w+=\$\()?fernlow ((?:[^|\n\\]|\\e\n)*))")) {
+        line = std::regex_replace(line, std::regex(R"(\\e\n)"), "");
+        line = std::regex_replace(line, std::regex(R"(\$(\w+|\(\(.*\)\)))"), "7");
+        EXPECT_FALSE(matches(outcome(line), "^(GET|POST) ").empty()) << line;
+    }
+}
+
+TEST(ManualPage, IsCleanToMandoc) {
+    if (std::system("command -v mandoc >/dev/null") != 0) {
+        GTEST_SKIP() << "mandoc is not installed";
+    }
+    EXPECT_EQ(std::system("mandoc -T lint -W warning '" FERNLOW_ROOT "/docs/fernlow.1'"), 0);
+}
+
+} // namespace fernlow::test
