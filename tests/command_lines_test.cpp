@@ -167,7 +167,7 @@ constexpr Case cases[] = {
     {"wait --timeout 1e999", "wait {settleMilliseconds:400,timeoutSeconds:86400}"},
     {"wait --timeout 1e-999", "wait {settleMilliseconds:400,timeoutSeconds:0}"},
     {"log --limit 0", "log {since:0,limit:1}"},
-    {"wait --timeout 2.250 --settle -1", "wait {settleMilliseconds:0,timeoutSeconds:2.25}"},
+    {"wait --timeout +2.250 --settle -1", "wait {settleMilliseconds:0,timeoutSeconds:2.25}"},
     {"wait --timeout -5 --settle 007", "wait {settleMilliseconds:7,timeoutSeconds:0}"},
 
     {"remove ./a//b/./c/ d", "projects/remove {path:'/p/src/a/b/c'}"},

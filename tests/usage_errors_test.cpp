@@ -86,6 +86,7 @@ TEST(UsageErrors, ProjectsAndGroups) {
         {"groups add '' Blog", R"("a group name for "groups add"" needs a value after it.)"},
         {"groups remove", R"("a group name for "groups remove"" needs a value after it.)"},
         {"groups rename", R"("a group name for "groups rename"" needs a value after it.)"},
+        {"groups rename Old", R"("a new name for "Old"" needs a value after it.)"},
         {"groups rename Old '' New", R"("a new name for "Old"" needs a value after it.)"},
         {"groups delete Blog", noSuchCommand("groups delete")},
         {"rename --x --name", R"("--name" needs a value after it.)"},
