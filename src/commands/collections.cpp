@@ -27,10 +27,11 @@ struct CollectionOptions {
     }
 
     [[nodiscard]] const std::string& requiredId() const {
-        if (required("--id", id).empty()) {
+        const std::string& given = required("--id", id);
+        if (given.empty()) {
             throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"--id"});
         }
-        return *id;
+        return given;
     }
 };
 
