@@ -1,5 +1,5 @@
 # CPack runs this when everything is in its staging folder: it adds the copyright and the changelog
-# that Debian wants, and compresses what Debian compresses.
+# that Debian wants and the reasons for what lintian warns of, and compresses what Debian compresses.
 set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
 
 # The time is SOURCE_DATE_EPOCH's, where that is set.
@@ -11,6 +11,8 @@ file(WRITE "${share}/doc/fernlow/changelog" "fernlow (${CPACK_PACKAGE_VERSION}) 
  -- ${CPACK_DEBIAN_PACKAGE_MAINTAINER}  ${date}
 ")
 file(COPY "${CMAKE_CURRENT_LIST_DIR}/copyright" DESTINATION "${share}/doc/fernlow")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/lintian-overrides"
+  "${share}/lintian/overrides/fernlow" COPYONLY)
 
 file(GLOB pages "${share}/man/man1/*.1")
 execute_process(COMMAND gzip -9n "${share}/doc/fernlow/changelog" ${pages}
