@@ -11,10 +11,10 @@
 namespace fernlow::standin {
 
 struct Exchange {
-    MHD_Connection* connection;
+    MHD_Connection* connection = nullptr;
     Request request;
-    PendingReply ask{};
-    std::optional<Reply> reply{};
+    PendingReply ask;
+    std::optional<Reply> reply;
 };
 
 namespace {
@@ -42,7 +42,9 @@ MHD_Result onRequest(void* server, MHD_Connection* connection, const char* path,
                      void** context) {
     HttpServer& answering = *static_cast<HttpServer*>(server);
     if (*context == nullptr) {
-        auto exchange = std::make_unique<Exchange>(connection, Request{method, path, "", false});
+        auto exchange = std::make_unique<Exchange>();
+        exchange->connection = connection;
+        exchange->request = {method, path, "", false};
         const char* length =
             MHD_lookup_connection_value(connection, MHD_HEADER_KIND, "Content-Length");
         exchange->request.isTooLarge =
