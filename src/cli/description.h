@@ -27,7 +27,7 @@ enum class ValueKind {
     json,
     file,
     folder,
-    // What only the application knows.
+    /// The first of those that only the application knows.
     project,
     group,
     language,

@@ -4,8 +4,6 @@
 
 namespace fernlow {
 
-namespace {
-
 bool looksLikePath(const std::string& word) {
     if (word.starts_with('/') || word.starts_with('~') || word.starts_with('.')) {
         return true;
@@ -13,8 +11,6 @@ bool looksLikePath(const std::string& word) {
     // A "/" behind a "=" is that of a setting's value, where "set" was forgotten.
     return word.find('/') != std::string::npos && word.find('=') == std::string::npos;
 }
-
-} // namespace
 
 std::optional<std::string> takeSubcommand(WordList& words) {
     const auto& left = words.left();

@@ -7,6 +7,10 @@
 
 namespace fernlow {
 
+/// Whether the word can only be meant as a path: it begins with "/", "~" or ".", or holds a "/" and
+/// no "=".
+bool looksLikePath(const std::string& word);
+
 /// The subcommand of a family whose listing takes a path: "settings", "files" and "collections".
 ///
 /// It is the first word that doesn't begin with "-", unless all that is left reads as paths: the

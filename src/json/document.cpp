@@ -140,6 +140,10 @@ std::optional<List<std::string_view>> Value::texts() const {
     return listOf(&Value::text);
 }
 
+std::optional<List<std::string_view>> Value::numberLiterals() const {
+    return listOf(&Value::numberLiteral);
+}
+
 std::optional<Value> Object::find(std::string_view key) const {
     const detail::Tape& tape = *value_.tape_;
     const std::uint32_t end = tape.nodes[value_.index_].place;

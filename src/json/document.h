@@ -71,9 +71,11 @@ public:
     /// Any number, as it stands in the document.
     [[nodiscard]] std::optional<std::string_view> numberLiteral() const;
     [[nodiscard]] std::optional<Object> object() const;
-    /// Lists whose every element is an object, or a text; an empty list is both.
+    /// Lists whose every element is an object, a text, or a number as it stands in the document; an
+    /// empty list is all of them.
     [[nodiscard]] std::optional<List<Object>> objects() const;
     [[nodiscard]] std::optional<List<std::string_view>> texts() const;
+    [[nodiscard]] std::optional<List<std::string_view>> numberLiterals() const;
 
 private:
     friend class Document;

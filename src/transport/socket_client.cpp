@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 #include <variant>
@@ -41,12 +42,10 @@ int openSocket() {
     return moved;
 }
 
-timeval socketTimeout(double replyTimeoutSeconds) {
-    // Thirty years: no machine waits longer, and systems count further in units that overflow.
-    constexpr double longest = 1e9;
+timeval socketTimeout(std::chrono::microseconds patience) {
     timeval timeout{};
-    timeout.tv_sec =
-        static_cast<decltype(timeout.tv_sec)>(std::clamp(replyTimeoutSeconds + 30, 5.0, longest));
+    timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(patience.count() / 1'000'000);
+    timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(patience.count() % 1'000'000);
     return timeout;
 }
 
@@ -108,6 +107,15 @@ SocketDescriptor::~SocketDescriptor() {
 
 SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
                                             double replyTimeoutSeconds) {
+    // Thirty years: no machine waits longer, and systems count further in units that overflow.
+    constexpr double longest = 1e9;
+    const auto seconds =
+        static_cast<std::int64_t>(std::clamp(replyTimeoutSeconds + 30, 5.0, longest));
+    return connect(socketPath, std::chrono::seconds(seconds));
+}
+
+SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
+                                            std::chrono::microseconds patience) {
     if (socketPath.size() > longestSocketPath) {
         throw AgentSocketClientError(
             AgentSocketClientError::pathTooLong{socketPath, longestSocketPath});
@@ -122,7 +130,7 @@ SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
         throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
     platform::prepareSocket(socket.get());
-    const timeval timeout = socketTimeout(replyTimeoutSeconds);
+    const timeval timeout = socketTimeout(patience);
     ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
     ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
     // The whole structure's length is passed, not the path's: the zero bytes behind the path end

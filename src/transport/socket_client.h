@@ -3,6 +3,7 @@
 #include "transport/http.h"
 #include "transport/launcher.h"
 
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -40,6 +41,10 @@ public:
     /// A connected socket whose reads and writes give up after the timeout and 30 seconds, but not
     /// before 5. Throws AgentSocketClientError `pathTooLong` or `notRunning`.
     static SocketDescriptor connect(const std::string& socketPath, double replyTimeoutSeconds);
+
+    /// The same, but each of connecting, reading and writing gives up after `patience`.
+    static SocketDescriptor connect(const std::string& socketPath,
+                                    std::chrono::microseconds patience);
 
 private:
     LaunchSettings launch_;

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "cli/words.h"
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// What completes a typed line, for the shells.
+namespace fernlow::completion {
+
+struct Candidate {
+    /// The whole word, unquoted; one that ends with "=" is only the beginning of a word.
+    std::string value;
+    /// One line for a person, or empty.
+    std::string description;
+};
+
+struct Completions {
+    std::vector<Candidate> candidates;
+    /// Files, or folders, belong here too; the shell knows best how to complete them.
+    bool files = false;
+    bool folders = false;
+};
+
+/// What completing uses of the world around it.
+struct Surroundings {
+    CurrentDirectory currentDirectory;
+    /// The application is not waited for any longer.
+    std::chrono::steady_clock::time_point deadline;
+};
+
+/// What the word at `index` may be; `words` are those after the program's name, the one at `index`
+/// as far as it has been typed. Candidates are not narrowed to those that begin like it: shells
+/// have their own ideas of what fits. Asks the application for what only it knows, if it is
+/// running, and never starts it. A line that is wrong already gives nothing. May throw
+/// std::bad_alloc alone.
+Completions complete(const std::vector<std::string>& words, std::size_t index,
+                     const Surroundings& surroundings);
+
+} // namespace fernlow::completion

@@ -1,0 +1,239 @@
+#include "completion/known_values.h"
+
+#include "commands/collections.h"
+#include "commands/files.h"
+#include "commands/options.h"
+#include "commands/projects.h"
+#include "commands/settings.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace fernlow::completion {
+
+namespace {
+
+using Candidates = std::vector<Candidate>;
+
+std::optional<std::string> given(const TypedLine& line, std::string_view option) {
+    const std::string* const value = line.valueOf(option);
+    return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+/// The project that the command would ask about.
+std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDirectory) {
+    if (const auto path = given(line, "--path")) {
+        return resolvePath(*path, currentDirectory);
+    }
+    const CommandDescription* const form = line.form();
+    const bool takesProject = form != nullptr && !form->operands.empty() &&
+                              form->operands.begin()->value.kind == ValueKind::project;
+    return takesProject && !line.operands().empty()
+               ? resolvePath(line.operands().front(), currentDirectory)
+               : currentDirectory.path();
+}
+
+std::optional<json::Value> get(Application& application, std::string_view path) {
+    return application.ask({"GET", path, {}});
+}
+
+template <WireRecord Record>
+std::optional<json::Value> ask(Application& application, std::string_view path,
+                               const Record& record) {
+    return application.ask({"POST", path, encode(record)});
+}
+
+json::List<json::Object> rowsOf(const std::optional<json::Value>& result) {
+    return result ? result->objects().value_or(json::List<json::Object>())
+                  : json::List<json::Object>();
+}
+
+std::vector<json::Member> membersOf(const std::optional<json::Object>& object) {
+    std::vector<json::Member> members;
+    for (const std::uint32_t place :
+         object ? object->sortedMembers() : std::vector<std::uint32_t>()) {
+        members.push_back(object->member(place));
+    }
+    return members;
+}
+
+/// One candidate a row: the text in one of its members, described by that in another.
+Candidates listed(const std::optional<json::Value>& result, std::string_view value,
+                  std::string_view description) {
+    Candidates candidates;
+    for (const json::Object& row : rowsOf(result)) {
+        candidates.push_back({std::string(row.text(value)), std::string(row.text(description))});
+    }
+    return candidates;
+}
+
+Candidates languages(Application& application) {
+    // Of the defaults, because they can be had without a project.
+    const auto result = get(application, "/v1/defaults");
+    const auto defaults = result ? result->object() : std::nullopt;
+    Candidates candidates;
+    for (const json::Member& language :
+         membersOf(defaults ? defaults->object("languages") : std::nullopt)) {
+        candidates.push_back({std::string(language.key), ""});
+    }
+    return candidates;
+}
+
+Candidates cursor(Application& application) {
+    const auto result = get(application, "/v1/status");
+    const auto status = result ? result->object() : std::nullopt;
+    const auto cursor = status ? status->optionalUnsigned("logCursor") : std::nullopt;
+    return cursor ? Candidates{{std::to_string(*cursor), "now"}} : Candidates{};
+}
+
+/// What a row of a collection is, for a person.
+std::string describeRow(std::string_view kind, const json::Object& row) {
+    std::string description(kind);
+    const auto values = row.object("values");
+    for (const std::string_view part :
+         {row.text("buildStepType"), row.text("fileExtension"), row.text("name"),
+          values ? values->text("name") : std::string_view{}}) {
+        if (!part.empty()) {
+            description.append(", ").append(part);
+        }
+    }
+    return description;
+}
+
+/// The rows of the project's collections, by one of their members.
+Candidates rows(std::string_view member, const std::optional<AgentCollectionKind>& kind,
+                const std::string& project, Application& application) {
+    const auto result =
+        ask(application, "/v1/collections", AgentCollectionListRequest{project, kind});
+    Candidates candidates;
+    for (const json::Member& rows : membersOf(result ? result->object() : std::nullopt)) {
+        for (const json::Object& row : rowsOf(rows.value)) {
+            candidates.push_back({std::string(row.text(member)), describeRow(rows.key, row)});
+        }
+    }
+    return candidates;
+}
+
+std::optional<AgentCollectionKind> kindOf(const TypedLine& line) {
+    const auto kind = given(line, "--kind");
+    return kind ? fromWireWord<AgentCollectionKind>(*kind) : std::nullopt;
+}
+
+std::optional<json::Value> settingsSchema(const TypedLine& line,
+                                          const CurrentDirectory& currentDirectory,
+                                          Application& application) {
+    const auto language = given(line, "--language");
+    if (line.command() == "collections") {
+        return ask(application, "/v1/collections/schema",
+                   AgentCollectionSchemaRequest{kindOf(line)});
+    }
+    if (line.command() == "defaults") {
+        return ask(application, "/v1/defaults/schema", AgentDefaultsSchemaRequest{language});
+    }
+    if (line.command() == "files") {
+        const auto isFile = [](const std::string& word) { return word.find('=') == word.npos; };
+        const auto file = std::find_if(line.operands().begin(), line.operands().end(), isFile);
+        return file == line.operands().end()
+                   ? std::nullopt
+                   : ask(application, "/v1/files/schema",
+                         AgentFileSchemaRequest{resolvePath(*file, currentDirectory), {}});
+    }
+    return ask(application, "/v1/settings/schema",
+               AgentSettingsSchemaRequest{projectOf(line, currentDirectory), language});
+}
+
+std::string scalarText(const json::Value& value) {
+    if (const auto boolean = value.strictBoolean()) {
+        return *boolean ? "true" : "false";
+    }
+    return std::string(value.text().value_or(value.numberLiteral().value_or("")));
+}
+
+std::string describeSetting(const json::Object& row) {
+    std::string description(row.text("valueType"));
+    const auto least = row.find("minimum");
+    const auto most = row.find("maximum");
+    if (least && most) {
+        description += " from " + scalarText(*least) + " to " + scalarText(*most);
+    }
+    const auto usual = row.find("default");
+    const std::string text = usual ? scalarText(*usual) : "";
+    return text.empty() ? description : description + ", " + text + " by default";
+}
+
+/// What may follow "key=".
+Candidates valuesOf(const json::Object& row) {
+    const std::string start = std::string(row.text("name")) + "=";
+    Candidates candidates;
+    const auto choices = row.find("choices");
+    const auto texts = choices ? choices->texts() : std::nullopt;
+    const auto numbers = choices && !texts ? choices->numberLiterals() : texts;
+    for (const std::string_view choice : numbers.value_or(json::List<std::string_view>())) {
+        candidates.push_back({start + std::string(choice), ""});
+    }
+    if (candidates.empty() && row.text("valueType") == "boolean") {
+        candidates = {{start + "true", ""}, {start + "false", ""}};
+    }
+    return candidates;
+}
+
+/// Whether the command can change the setting. Without --language the schema tells of every
+/// language's settings, and always of rows in lists that no option names.
+bool isMeant(const json::Object& row, const TypedLine& line) {
+    if (line.command() == "collections" || line.command() == "files") {
+        return true;
+    }
+    return row.text("language") == given(line, "--language").value_or("") &&
+           row.text("group").empty();
+}
+
+Candidates settings(const TypedLine& line, const CurrentDirectory& currentDirectory,
+                    Application& application) {
+    const auto key = [](const std::string& word) { return word.substr(0, word.find('=')); };
+    const bool hasKey = line.current().find('=') != std::string::npos;
+    Candidates candidates;
+    for (const json::Object& row : rowsOf(settingsSchema(line, currentDirectory, application))) {
+        const std::string name(row.text("name"));
+        if (!isMeant(row, line) || name.empty()) {
+            continue;
+        }
+        if (hasKey && name == key(line.current())) {
+            return valuesOf(row);
+        }
+        const bool isGiven =
+            std::any_of(line.operands().begin(), line.operands().end(),
+                        [&](const std::string& word) { return key(word) == name; });
+        if (!hasKey && !isGiven) {
+            candidates.push_back({name + "=", describeSetting(row)});
+        }
+    }
+    return candidates;
+}
+
+} // namespace
+
+std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
+                                   const CurrentDirectory& currentDirectory,
+                                   Application& application) {
+    switch (kind) {
+    case ValueKind::group:
+        return listed(get(application, "/v1/groups"), "name", "path");
+    case ValueKind::project:
+        return listed(get(application, "/v1/projects"), "path", "name");
+    case ValueKind::language:
+        return languages(application);
+    case ValueKind::logCursor:
+        return cursor(application);
+    case ValueKind::extension:
+        return rows("fileExtension", AgentCollectionKind::userLanguages,
+                    projectOf(line, currentDirectory), application);
+    case ValueKind::rowId:
+        return rows("id", kindOf(line), projectOf(line, currentDirectory), application);
+    case ValueKind::setting:
+        return settings(line, currentDirectory, application);
+    default:
+        return {};
+    }
+}
+
+} // namespace fernlow::completion

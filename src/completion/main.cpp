@@ -1,0 +1,65 @@
+// fernlow-complete: what the shells ask when somebody presses Tab. Not for people: it prints lines
+// for the files in completions/, says nothing when something is wrong, and always ends with 0.
+//
+//     fernlow-complete words INDEX [WORD...]
+//     fernlow-complete bash VERSION BEFORE AFTER REPLACED
+//
+// The first line names the shell's own completions that are wanted too; each further one is a
+// candidate, followed by a tab and its description where the shell shows one.
+#include "cli/output.h"
+#include "completion/bash_line.h"
+#include "completion/completion.h"
+#include "json/number.h"
+
+#include <unistd.h>
+
+#include <exception>
+
+namespace {
+
+using namespace fernlow;
+using namespace fernlow::completion;
+
+/// A shell waits for half a second in all, starting this program included.
+constexpr std::chrono::milliseconds patience(350);
+
+std::string completeWords(const std::vector<std::string>& arguments,
+                          const Surroundings& surroundings) {
+    const auto index = json::readInteger(arguments.at(1)).value_or(0);
+    const auto completions = complete({arguments.begin() + 2, arguments.end()},
+                                      static_cast<std::size_t>(index), surroundings);
+    std::string text = completions.files ? "files" : completions.folders ? "folders" : "nothing";
+    for (const Candidate& candidate : completions.candidates) {
+        text += "\n" + candidate.value + "\t" + candidate.description;
+    }
+    return text;
+}
+
+std::string completeBash(const std::vector<std::string>& arguments,
+                         const Surroundings& surroundings) {
+    const auto version = json::readInteger(arguments.at(1)).value_or(0);
+    std::string text;
+    for (const std::string& line : completeBashLine(
+             {arguments.at(2), arguments.at(3), static_cast<int>(version), arguments.at(4)},
+             surroundings)) {
+        text += text.empty() ? line : "\n" + line;
+    }
+    return text;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    try {
+        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+        const Surroundings surroundings{CurrentDirectory::ofProcess(), deadline};
+        const bool isBash = !arguments.empty() && arguments.front() == "bash";
+        static_cast<void>(writeLine(STDOUT_FILENO, isBash
+                                                       ? completeBash(arguments, surroundings)
+                                                       : completeWords(arguments, surroundings)));
+    } catch (const std::exception&) {
+        // Too few arguments, or too little memory: no candidates.
+    }
+    return 0;
+}

@@ -1,0 +1,198 @@
+#include "completion/bash_line.h"
+#include "completion/completion.h"
+#include "support/command_line.h"
+#include "support/scripted_peer.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace fernlow::test {
+
+namespace {
+
+completion::Surroundings surroundings() {
+    return {CurrentDirectory("/p/src"),
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(250)};
+}
+
+/// The candidates for the last word of a line (an empty one behind a space) that begin like it.
+std::string completed(std::string line) {
+    const bool isEmpty = line.empty() || line.back() == ' ';
+    auto words = splitWords(line);
+    words.resize(words.size() + (isEmpty ? 1 : 0));
+    const auto completions = complete(words, words.size() - 1, surroundings());
+    std::string result = completions.files ? "+files" : completions.folders ? "+folders" : "";
+    for (const auto& candidate : completions.candidates) {
+        if (candidate.value.starts_with(words.back())) {
+            const std::string space = result.empty() ? "" : " ";
+            result += space + candidate.value;
+        }
+    }
+    return result;
+}
+
+std::string bashCompleted(std::string_view before, std::string_view replaced, int version = 5) {
+    std::string result;
+    for (const auto& line :
+         completeBashLine({before, " --json; x --no-launch", version, replaced}, surroundings())) {
+        result += line + "|";
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(Completion, FollowsTheParsersRules) {
+    const std::string always = "--json --socket --no-launch";
+    for (const auto& [line, expected] : std::vector<std::pair<std::string, std::string>>{
+             {"re", "refresh remove rename"},
+             {"-", always + " --help --version"},
+             {"--json --socket x -", "--no-launch --help --version"},
+             {"--socket ", "+files"},
+             {"--socket --json st", "status"},
+             {"wait --json --since 3 ", "--timeout --settle --project --socket --no-launch"},
+             {"wait --timeout -", ""},
+             {"wait --since 1 --since 2 -", "--timeout --settle --project " + always},
+             {"packages --exact --no-exact --no-", "--no-package-lock --no-wait --no-launch"},
+             {"packages --exact --no-e", ""},
+             {"packages u", "uninstall update"},
+             {"packages install --save-to optional,production,",
+              "optional,production,development optional,production,bundle"},
+             {"preview --address l", "lan loopback localhost"},
+             {"process a --exactly ", "+files"},
+             {"add ", "+folders"},
+             {"add ./x ", "--framework " + always},
+             {"groups add ", ""},
+             {"watch ", "pause resume"},
+             {"settings ", "set schema apply-output-paths"},
+             {"settings s", "set schema"},
+             {"settings ./", "+folders"},
+             {"settings ./x s", ""},
+             {"settings --path x s", ""},
+             {"settings --language Sass set --p", "--path"},
+             {"settings set --path x --", "--language --extension --values " + always},
+             {"settings apply-output-paths ", "+folders --language"},
+             {"collections --kind hooks r", "remove"},
+             {"collections remove ./x ", "--kind --id " + always},
+             {"collections set --kind hooks --id 1 a=b ", ""},
+             {"files set --action ", "compile ignore copy"},
+             {"files set a=b ", "+files"},
+             {"files skip a ", "+folders"},
+             {"rename --name x -", always},
+             {"status x", ""},
+             {"nonsense ", ""},
+             {"settings nonsense -", ""},
+             {"help ", ""}}) {
+        EXPECT_EQ(completed(line), expected) << line;
+    }
+}
+
+TEST(Completion, AsksTheApplication) {
+    const std::string schema =
+        R"([{"name":"a","valueType":"boolean"},{"name":"b","choices":[0,1.5],"language":"L"},)"
+        R"({"name":"c","choices":["x"],"group":"g"},{"name":"d","valueType":"text"}])";
+    const std::string rows =
+        R"({"hooks":[{"id":"7"}],"userLanguages":[{"id":"8","fileExtension":"x y"}],"n":3})";
+    struct Case {
+        std::string line, result, request, expected;
+    };
+    for (const auto& [line, result, request, expected] : std::vector<Case>{
+             {"groups --json rename ",
+              R"([{"name":"A b"},{"name":"A\nb"},{"name":"\u001b[1m"},{}])", "GET /v1/groups ",
+              "A b"},
+             {"groups remove --name ", R"([{"name":"A\u202eb"},{"name":7}])", "GET /v1/groups ",
+              ""},
+             {"disable ", R"([{"path":"/é"}])", "GET /v1/projects ", "+folders /é"},
+             {"wait --since ", R"({"logCursor":18446744073709551615})", "GET /v1/status ",
+              "18446744073709551615"},
+             {"files --language ", R"({"languages":{"L":{},"M":1}})", "GET /v1/defaults ", "L M"},
+             {"settings set d=1 ", schema, R"({"path":"/p/src"})", "a="},
+             {"settings set --path ../x --language L b=", schema,
+              R"({"path":"/p/x","language":"L"})", "b=0 b=1.5"},
+             {"defaults set a=", schema, "{}", "a=true a=false"},
+             {"files set f c=", schema, R"({"path":"/p/src/f"})", "c=x"},
+             {"collections set --kind hooks --id 1 c=", schema, R"({"kind":"hooks"})", "c=x"},
+             {"collections remove x --id ", rows, R"({"path":"/p/src/x"})", "7 8"},
+             {"settings set --extension ", rows, R"({"path":"/p/src","kind":"userLanguages"})",
+              "x y"},
+             {"move --group ", "{]", "GET /v1/groups ", ""}}) {
+        ScriptedPeer peer({answer(reply(R"({"ok":true,"result":)" + result + "}"))});
+        EXPECT_EQ(completed("--socket " + peer.path() + " " + line), expected) << line;
+        EXPECT_NE(peer.requests().at(0).find(request), std::string::npos) << peer.requests().at(0);
+    }
+}
+
+TEST(Completion, WaitsForNobody) {
+    const std::string endless(100000, 'x');
+    for (const ScriptedPeer::Script& script :
+         std::vector<ScriptedPeer::Script>{[](auto& peer) { peer.waitUntilGone(); },
+                                           [](auto& peer) {
+                                               while (!peer.isGone()) {
+                                                   peer.write("H");
+                                               }
+                                           },
+                                           [&](auto& peer) {
+                                               while (!peer.isGone()) {
+                                                   peer.write(endless);
+                                               }
+                                           }}) {
+        const ScriptedPeer peer({script});
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(completed("--socket " + peer.path() + " remove "), "+folders");
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+    }
+}
+
+TEST(Completion, SaysNothingOfWhatIsWrong) {
+    const std::string line = "d=$(mktemp -d) && cd $d && rmdir $d && " FERNLOW_COMPLETE;
+    for (const auto& [arguments, expected] : std::vector<std::pair<std::string, std::string>>{
+             {"", "0"},
+             {"words", "0"},
+             {"words -1 status",
+              "nothing\n--json\tPrint the reply as JSON\n--socket\tTalk to another "
+              "socket\n--no-launch\tDo not start Fernlow if it is not running\n0"},
+             {"words 4 collections set --kind hooks x", "nothing\n0"},
+             {"words 3 settings set \"$(printf '\\377')=\" ''", "nothing\n0"},
+             {"bash x 'fernlow \"ad' '' ad", "nothing\nadd\n0"}}) {
+        FILE* const output = ::popen((line + " " + arguments + " 2>&1; printf $?").c_str(), "r");
+        std::string text(1000, '\0');
+        text.resize(std::fread(text.data(), 1, text.size(), output));
+        ::pclose(output);
+        EXPECT_EQ(text, expected) << arguments;
+    }
+}
+
+TEST(Completion, WritesWhatBashPutsInPlace) {
+    EXPECT_EQ(bashCompleted("a; fernlow sta", "sta"), "nothing|status|");
+    EXPECT_EQ(bashCompleted("fernlow 'wait' --j", "--j"), "nothing|");
+    EXPECT_EQ(bashCompleted("fernlow wait --no", "--no"), "nothing|--no-launch|");
+    EXPECT_EQ(bashCompleted("fernlow log > ou", "ou"), "files|");
+    EXPECT_EQ(bashCompleted("fernlow process $(fernlow st", "st"), "nothing|status|");
+    const auto group = answer(reply(R"({"ok":true,"result":[{"name":"k=a: 'b' \"$x"}]})"));
+    for (const auto& [word, replaced, expected] :
+         std::vector<std::tuple<std::string, std::string, std::string>>{
+             {"k=", "", R"(nothing|a:\ \'b\'\ \"\$x|)"},
+             {"k=a", "k=a", R"(nothing|k=a:\ \'b\'\ \"\$x|)"},
+             {R"(k=a:\ )", R"(\ )", R"(nothing|\ \'b\'\ \"\$x|)"},
+             {R"("k=)", "k=", R"(nothing|k=a: 'b' \"\$x|)"},
+             {R"('k=)", "k=", R"(nothing|k=a: '\''b'\'' "$x|)"},
+             {"other", "other", "nothing|"}}) {
+        const ScriptedPeer peer({group});
+        EXPECT_EQ(
+            bashCompleted("fernlow --socket " + peer.path() + " move --group " + word, replaced),
+            expected);
+    }
+    for (const auto& [version, expected] : std::vector<std::pair<int, std::string>>{
+             {5, "nospace|key=|"}, {3, "nospace|key=|key=...|"}}) {
+        const ScriptedPeer peer({answer(reply(R"({"ok":true,"result":[{"name":"key"}]})"))});
+        EXPECT_EQ(
+            bashCompleted("fernlow --socket " + peer.path() + " defaults set k", "k", version),
+            expected);
+    }
+}
+
+} // namespace fernlow::test

@@ -1,0 +1,157 @@
+// Completion in the real shells, under a pseudo-terminal: a line is typed, Tab and Return pressed,
+// and a program in fernlow's place prints the words that it got.
+#include "support/process.h"
+#include "support/scripted_peer.h"
+#include "support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#ifdef __APPLE__
+#include <util.h>
+#else
+#include <pty.h>
+#endif
+
+namespace fernlow::test {
+
+namespace {
+
+struct Shell {
+    std::string program;
+    std::string arguments;
+    /// Loads the completion, and makes the shell as unlike a fresh one as people make theirs.
+    std::string start;
+};
+
+const Shell bash{"bash", "--norc --noprofile -i",
+                 "set -u; IFS=:; . P/share/bash-completion/completions/fernlow"};
+const Shell zsh{"zsh", "-f -i",
+                "fpath=(P/share/zsh/site-functions $fpath); autoload -Uz compinit; compinit -u -D; "
+                "setopt nounset; IFS=:"};
+const Shell fish{"fish", "--no-config -i", "source P/share/fish/vendor_completions.d/fernlow.fish"};
+
+/// A session of the shell with the installed completion, in a folder with files to complete.
+class Session {
+public:
+    explicit Session(const Shell& shell) {
+        namespace fs = std::filesystem;
+        const std::string prefix = folder_.file("prefix");
+        fs::create_directories(folder_.file("home/my déjà vu"));
+        std::ofstream(folder_.file("home/a naïve file.js")) << "";
+        EXPECT_EQ(std::system((FERNLOW_INSTALL " --prefix " + prefix + " >/dev/null").c_str()), 0);
+        fs::remove(prefix + "/bin/fernlow");
+        // Reached through a link, as Homebrew's programs are.
+        std::ofstream(prefix + "/bin/real")
+            << "#!/bin/sh\nprintf GOT; printf '[%s]' \"$@\"; echo END\n";
+        fs::permissions(prefix + "/bin/real", fs::perms::owner_all);
+        fs::create_directories(folder_.file("links"));
+        fs::create_symlink(prefix + "/bin/real", folder_.file("links/fernlow"));
+        const winsize size{50, 200, 0, 0};
+        process_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
+        if (process_ == 0) {
+            ::setenv("HOME", folder_.file("home").c_str(), 1);
+            ::setenv("PATH", (folder_.file("links") + ":" + std::getenv("PATH")).c_str(), 1);
+            ::setenv("LC_ALL", "C.UTF-8", 1);
+            ::setenv("TERM", "xterm", 1);
+            if (::chdir(folder_.file("home").c_str()) == 0) {
+                ::execlp("sh", "sh", "-c",
+                         ("exec " + shell.program + " " + shell.arguments).c_str(), nullptr);
+            }
+            ::_exit(127);
+        }
+        std::string start = shell.start;
+        start.replace(start.find("P/"), 1, prefix);
+        typed(start + "; fernlow ready");
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    Session(Session&&) = delete;
+    Session& operator=(Session&&) = delete;
+    ~Session() {
+        ::kill(process_, SIGKILL);
+        ::waitpid(process_, nullptr, 0);
+        ::close(terminal_);
+    }
+
+    /// The words that the program got, each in brackets.
+    std::string typed(const std::string& keys) {
+        const std::string line = keys + "\r";
+        EXPECT_EQ(::write(terminal_, line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        std::string seen;
+        std::array<char, 4096> buffer{};
+        pollfd more{terminal_, POLLIN, 0};
+        while (seen.find("]END\r") == std::string::npos && ::poll(&more, 1, 5000) == 1) {
+            const ssize_t count = ::read(terminal_, buffer.data(), buffer.size());
+            if (count <= 0) {
+                break;
+            }
+            seen.append(buffer.data(), static_cast<std::size_t>(count));
+        }
+        const auto end = seen.rfind("END\r");
+        const auto start = seen.rfind("GOT", end);
+        return end == std::string::npos ? "nothing: " + seen
+                                        : seen.substr(start + 3, end - start - 3);
+    }
+
+    [[nodiscard]] std::string file(const std::string& name) const { return folder_.file(name); }
+
+private:
+    TemporaryFolder folder_;
+    int terminal_ = -1;
+    pid_t process_ = -1;
+};
+
+void expectCompletions(const Shell& shell) {
+    if (std::system(("command -v " + shell.program + " >/dev/null").c_str()) != 0) {
+        GTEST_SKIP() << "there is no " << shell.program << " here";
+    }
+    Session session(shell);
+    const StandIn standIn(session.file("s"));
+    const std::string site = std::filesystem::canonical(session.file("home/my déjà vu"));
+    const std::string socket = "fernlow --socket ../s ";
+    ProgramRun add{{"--socket", session.file("s"), "add", site}};
+    ASSERT_EQ(runProgram(add).status, 0);
+    add.arguments = {"--socket", session.file("s"), "groups", "add", "Web: work"};
+    ASSERT_EQ(runProgram(add).status, 0);
+    EXPECT_EQ(session.typed("fernlow stat\t"), "[status]");
+    EXPECT_EQ(session.typed("fernlow wait --proj\tx"), "[wait][--project][x]");
+    EXPECT_EQ(session.typed("fernlow preview --address bon\t"), "[preview][--address][bonjour]");
+    EXPECT_EQ(session.typed("fernlow process a\\ na\t"), "[process][a naïve file.js]");
+    EXPECT_EQ(session.typed("fernlow add my\tx"), "[add][my déjà vu/x]");
+    EXPECT_EQ(session.typed(socket + "move --group We\t"),
+              "[--socket][../s][move][--group][Web: work]");
+    session.typed("cd my*; fernlow ready");
+    EXPECT_EQ(session.typed("fernlow --socket ../../s settings set buildFolderA\tfal\t"),
+              "[--socket][../../s][settings][set][buildFolderActive=false]");
+    const ScriptedPeer stalled({[](ScriptedPeer::Connection& peer) { peer.waitUntilGone(); }});
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(session.typed("fernlow --socket " + stalled.path() + " settings sche\t"),
+              "[--socket][" + stalled.path() + "][settings][schema]");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+}
+
+} // namespace
+
+TEST(Shells, Bash) {
+    expectCompletions(bash);
+}
+
+TEST(Shells, Zsh) {
+    expectCompletions(zsh);
+}
+
+TEST(Shells, Fish) {
+    expectCompletions(fish);
+}
+
+} // namespace fernlow::test
