@@ -59,6 +59,7 @@ TEST(UsageErrors, Work) {
         {"process --exactly --exactly a", notAnOption("--exactly")},
         {"wait x --timeout y --settle z --since -1", notANumber("--since", "-1")},
         {"wait x --timeout y --settle z", notANumber("--settle", "z")},
+        {"wait --project --since 5", R"("5" was not expected here.)"},
         {"wait --since 1 --since 2", notAnOption("--since")},
         {"log x --limit ten --since -1", notANumber("--since", "-1")},
         {"log --project --json", notAnOption("--project")},
