@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 namespace fernlow::standin {
 
@@ -31,7 +33,8 @@ Answer reportWhenQuiet(State& state, const Json& body, std::uint64_t since, cons
         Json report = workReport(state, since, project);
         report["requestedPaths"] = paths;
         report["timedOut"] = !isQuiet;
-        return report;
+        // Left to itself, a JSON value could become an optional in two ways.
+        return std::optional<Json>(std::in_place, std::move(report));
     };
 }
 
