@@ -1,12 +1,21 @@
 #include "cli/description.h"
 
 #include "cli/option_descriptions.h"
+#include "commands/packages.h"
+#include "commands/wire_words.h"
+
+#include <array>
+#include <span>
+#include <string_view>
 
 namespace fernlow {
 
 namespace {
 
 using namespace options;
+
+// Rows of tables: the kind, the name and what is usual; whether it is required, and may be
+// repeated. NOLINTBEGIN(modernize-use-designated-initializers)
 
 constexpr OperandDescription anyProject{{project, "path", "this directory"}};
 constexpr OperandDescription oneProject{{project, "path"}, true};
@@ -222,6 +231,8 @@ constexpr auto families = std::to_array<Family>({
       &unboundedTimeout, &folders, &shadowItems}},
     {"collections", {&kind, &id, &type, &newExtension, &values, &position}},
 });
+
+// NOLINTEND(modernize-use-designated-initializers)
 
 } // namespace
 

@@ -39,6 +39,9 @@ enum class ValueKind {
     logCursor,
 };
 
+// The empty initialisers let tables leave members out without a warning.
+// NOLINTBEGIN(readability-redundant-member-init)
+
 /// What a number is brought into, where the program doesn't send it as typed.
 struct NumberRange {
     static constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
@@ -115,6 +118,8 @@ struct CommandDescription {
     /// Whether words that it has no use for, options included, are passed over in silence.
     bool ignoresOtherWords = false;
 };
+
+// NOLINTEND(readability-redundant-member-init)
 
 /// Every form, in the order of the help text.
 std::span<const CommandDescription> commandDescriptions();

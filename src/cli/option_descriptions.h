@@ -12,6 +12,9 @@ namespace fernlow::options {
 
 using enum ValueKind;
 
+// Each is a row of a table: the word, what its value is, and a line for a person.
+// NOLINTBEGIN(modernize-use-designated-initializers)
+
 template <Worded Enumeration>
 constexpr ValueDescription oneOf(std::string_view usually = {}) {
     return {choice, "name", usually, wireWords<Enumeration>};
@@ -123,5 +126,7 @@ inline constexpr Option type{"--type", oneOf<AgentBuildStepType>(),
                              "The type of a new build step, which needs one"};
 inline constexpr Option position{"--position", numberOf("n", {.least = 0}),
                                  "Where to put it, counting from zero"};
+
+// NOLINTEND(modernize-use-designated-initializers)
 
 } // namespace fernlow::options

@@ -170,10 +170,7 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
         }
     }
     const bool goesOn = lines.size() == 2 && lines.back().ends_with('=');
-    lines.front() = completions.files     ? "files"
-                    : completions.folders ? "folders"
-                    : goesOn              ? "nospace"
-                                          : "nothing";
+    lines.front() = goesOn ? "nospace" : shellsOwn(completions);
     if (goesOn && !mayChangeOptions) {
         // Two that begin alike are completed so far without a space behind them.
         lines.push_back(lines.back() + "...");

@@ -201,7 +201,7 @@ private:
         Application application(socket != nullptr ? *socket : defaultSocketPath(),
                                 surroundings_.deadline);
         try {
-            for (Candidate& candidate :
+            for (const Candidate& candidate :
                  knownValues(kind, line_, surroundings_.currentDirectory, application)) {
                 if (completions_.candidates.size() < mostCandidates && !candidate.value.empty() &&
                     isHarmless(candidate.value)) {
@@ -211,8 +211,10 @@ private:
             }
         } catch (const json::EncodingError&) {
             // A word of the line is not UTF-8.
+            return;
         } catch (const CurrentDirectoryError&) {
             // No project to ask about.
+            return;
         }
     }
 
@@ -222,6 +224,13 @@ private:
 };
 
 } // namespace
+
+std::string_view shellsOwn(const Completions& completions) {
+    if (completions.files) {
+        return "files";
+    }
+    return completions.folders ? "folders" : "nothing";
+}
 
 Completions complete(const std::vector<std::string>& words, std::size_t index,
                      const Surroundings& surroundings) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What completes a typed line, for the shells.
@@ -23,6 +24,9 @@ struct Completions {
     bool files = false;
     bool folders = false;
 };
+
+/// Which of the shell's own completions are wanted too: "files", "folders" or "nothing".
+std::string_view shellsOwn(const Completions& completions);
 
 /// What completing uses of the world around it.
 struct Surroundings {

@@ -50,9 +50,10 @@ json::List<json::Object> rowsOf(const std::optional<json::Value>& result) {
 
 std::vector<json::Member> membersOf(const std::optional<json::Object>& object) {
     std::vector<json::Member> members;
-    for (const std::uint32_t place :
-         object ? object->sortedMembers() : std::vector<std::uint32_t>()) {
-        members.push_back(object->member(place));
+    if (object) {
+        for (const std::uint32_t place : object->sortedMembers()) {
+            members.push_back(object->member(place));
+        }
     }
     return members;
 }
@@ -131,7 +132,9 @@ std::optional<json::Value> settingsSchema(const TypedLine& line,
         return ask(application, "/v1/defaults/schema", AgentDefaultsSchemaRequest{language});
     }
     if (line.command() == "files") {
-        const auto isFile = [](const std::string& word) { return word.find('=') == word.npos; };
+        const auto isFile = [](const std::string& word) {
+            return word.find('=') == std::string::npos;
+        };
         const auto file = std::find_if(line.operands().begin(), line.operands().end(), isFile);
         return file == line.operands().end()
                    ? std::nullopt

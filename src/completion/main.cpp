@@ -28,7 +28,7 @@ std::string completeWords(const std::vector<std::string>& arguments,
     const auto index = json::readInteger(arguments.at(1)).value_or(0);
     const auto completions = complete({arguments.begin() + 2, arguments.end()},
                                       static_cast<std::size_t>(index), surroundings);
-    std::string text = completions.files ? "files" : completions.folders ? "folders" : "nothing";
+    std::string text(shellsOwn(completions));
     for (const Candidate& candidate : completions.candidates) {
         text += "\n" + candidate.value + "\t" + candidate.description;
     }
@@ -60,6 +60,7 @@ int main(int argc, char** argv) {
                                                        : completeWords(arguments, surroundings)));
     } catch (const std::exception&) {
         // Too few arguments, or too little memory: no candidates.
+        return 0;
     }
     return 0;
 }
