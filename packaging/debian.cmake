@@ -14,6 +14,9 @@ file(COPY "${CMAKE_CURRENT_LIST_DIR}/copyright" DESTINATION "${share}/doc/fernlo
 configure_file("${CMAKE_CURRENT_LIST_DIR}/lintian-overrides"
   "${share}/lintian/overrides/fernlow" COPYONLY)
 
+# Debian's zsh doesn't look in the folder that zsh itself would.
+file(RENAME "${share}/zsh/site-functions" "${share}/zsh/vendor-completions")
+
 file(GLOB pages "${share}/man/man1/*.1")
 execute_process(COMMAND gzip -9n "${share}/doc/fernlow/changelog" ${pages}
   COMMAND_ERROR_IS_FATAL ANY)
