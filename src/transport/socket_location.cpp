@@ -2,6 +2,8 @@
 
 #include "platform/platform.h"
 
+#include <optional>
+
 namespace fernlow {
 
 std::string defaultSocketPath() {
