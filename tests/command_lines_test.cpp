@@ -230,7 +230,7 @@ TEST(CommandLines, GlobalOptionsMayStandAnywhere) {
         std::string_view line;
         bool onTerminal;
         AgentCLIInvocation expected;
-    } cases[] = {
+    } lines[] = {
         {"status", true, {status, false, usual, true}},
         {"status", false, {status, true, usual, true}},
         {"--json status", true, {status, true, usual, true}},
@@ -241,7 +241,7 @@ TEST(CommandLines, GlobalOptionsMayStandAnywhere) {
         {"--socket --socket status --socket ''", true, {status, false, "", true}},
     };
     const CurrentDirectory here("/p");
-    for (const auto& [line, onTerminal, expected] : cases) {
+    for (const auto& [line, onTerminal, expected] : lines) {
         EXPECT_EQ(parseInvocation(splitWords(line), here, onTerminal), expected) << line;
     }
 }

@@ -138,8 +138,8 @@ TEST(Description, HoldsEveryCommandThatTheParsersKnow) {
             known[std::string(alias)];
         }
     }
-    const std::string help = usageText().substr(0, usageText().find("\nOPTIONS\n"));
-    Words inHelp = matches(help, "\n  (?!fernlow)([a-z]+(?: [a-z-]+)?) ");
+    const std::string commands = usageText().substr(0, usageText().find("\nOPTIONS\n"));
+    Words inHelp = matches(commands, "\n  (?!fernlow)([a-z]+(?: [a-z-]+)?) ");
     inHelp.insert({"watch resume", "help", "version"});
     EXPECT_EQ(forms, inHelp);
 

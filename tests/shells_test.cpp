@@ -56,7 +56,7 @@ public:
         fs::permissions(prefix + "/bin/real", fs::perms::owner_all);
         fs::create_directories(folder_.file("links"));
         fs::create_symlink(prefix + "/bin/real", folder_.file("links/fernlow"));
-        const winsize size{50, 200, 0, 0};
+        winsize size{50, 200, 0, 0};
         process_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
         if (process_ == 0) {
             ::setenv("HOME", folder_.file("home").c_str(), 1);
