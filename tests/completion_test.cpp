@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -35,10 +36,10 @@ std::string completed(std::string line) {
     return result;
 }
 
-std::string bashCompleted(std::string_view before, std::string_view replaced, int version = 5) {
+std::string bashCompleted(std::string_view before, std::string_view replaced, int version = 5,
+                          std::string_view after = " --json; x --no-launch") {
     std::string result;
-    for (const auto& line :
-         completeBashLine({before, " --json; x --no-launch", version, replaced}, surroundings())) {
+    for (const auto& line : completeBashLine({before, after, version, replaced}, surroundings())) {
         result += line + "|";
     }
     return result;
@@ -107,8 +108,9 @@ TEST(Completion, AsksTheApplication) {
              {"groups remove --name ", R"([{"name":"A\u202eb"},{"name":7}])", "GET /v1/groups ",
               ""},
              {"disable ", R"([{"path":"/é"}])", "GET /v1/projects ", "+folders /é"},
-             {"wait --since ", R"({"logCursor":18446744073709551615})", "GET /v1/status ",
-              "18446744073709551615"},
+             {"wait --since ", R"({"logCursor":9223372036854775807})", "GET /v1/status ",
+              "9223372036854775807"},
+             {"log --since ", R"({"logCursor":9223372036854775808})", "GET /v1/status ", ""},
              {"files --language ", R"({"languages":{"L":{},"M":1}})", "GET /v1/defaults ", "L M"},
              {"settings set d=1 ", schema, R"({"path":"/p/src"})", "a="},
              {"settings set --path ../x --language L b=", schema,
@@ -145,10 +147,15 @@ TEST(Completion, WaitsForNobody) {
         EXPECT_EQ(completed("--socket " + peer.path() + " remove "), "+folders");
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
     }
+    const ScriptedPeer peer({[](auto& silent) { silent.waitUntilGone(); }});
+    const auto start = std::chrono::steady_clock::now();
+    const std::string engine = "'" FERNLOW_COMPLETE "' words 3 --socket " + peer.path();
+    EXPECT_EQ(std::system((engine + " remove '' >/dev/null").c_str()), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(800));
 }
 
 TEST(Completion, SaysNothingOfWhatIsWrong) {
-    const std::string line = "d=$(mktemp -d) && cd $d && rmdir $d && " FERNLOW_COMPLETE;
+    const std::string line = "d=$(mktemp -d) && cd $d && rmdir $d && '" FERNLOW_COMPLETE "'";
     for (const auto& [arguments, expected] : std::vector<std::pair<std::string, std::string>>{
              {"", "0"},
              {"words", "0"},
@@ -172,6 +179,14 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
     EXPECT_EQ(bashCompleted("fernlow wait --no", "--no"), "nothing|--no-launch|");
     EXPECT_EQ(bashCompleted("fernlow log > ou", "ou"), "files|");
     EXPECT_EQ(bashCompleted("fernlow process $(fernlow st", "st"), "nothing|status|");
+    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", 5, ";fernlow log --since 3"),
+              "nothing|--since|");
+    EXPECT_EQ(bashCompleted("fernlow \"sta", "sta", 5, " b\" --json"), "nothing|status|");
+    const std::string endless(100000, ' ');
+    EXPECT_EQ(bashCompleted("fernlow sta", "sta", 5, endless + "x"), "nothing|status|");
+    const ScriptedPeer history({answer(reply(R"({"ok":true,"result":[{"name":"a!!"}]})"))});
+    EXPECT_EQ(bashCompleted("fernlow --socket " + history.path() + " move --group \"a", "a"),
+              "nothing|");
     const auto group = answer(reply(R"({"ok":true,"result":[{"name":"k=a: 'b' \"$x"}]})"));
     for (const auto& [word, replaced, expected] :
          std::vector<std::tuple<std::string, std::string, std::string>>{
@@ -180,6 +195,7 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
              {R"(k=a:\ )", R"(\ )", R"(nothing|\ \'b\'\ \"\$x|)"},
              {R"("k=)", "k=", R"(nothing|k=a: 'b' \"\$x|)"},
              {R"('k=)", "k=", R"(nothing|k=a: '\''b'\'' "$x|)"},
+             {R"("k=a: 'b' )", "'b' ", R"(nothing|'b' \"\$x|)"},
              {"other", "other", "nothing|"}}) {
         const ScriptedPeer peer({group});
         EXPECT_EQ(

@@ -32,6 +32,15 @@ public:
         return false;
     }
 
+    void startCommand() {
+        words_.clear();
+        isRedirection_ = false;
+        startWord();
+    }
+
+    /// Has the word count as one even if it stays empty.
+    void beginWord() { isWord_ = true; }
+
     void endWord() {
         if ((isWord_ || !word_.empty()) && !isRedirection_) {
             words_.push_back(word_);
@@ -39,6 +48,9 @@ public:
         isRedirection_ = isRedirection_ && !isWord_ && word_.empty();
         startWord();
     }
+
+    /// Those that have ended.
+    [[nodiscard]] const std::vector<std::string>& words() const { return words_; }
 
     [[nodiscard]] BashLine line() const {
         BashLine line{words_, words_.size(), typed_, quote_ == '\\' ? outer_ : quote_,
@@ -60,13 +72,10 @@ private:
         if (std::string_view(" \t").find(character) != npos) {
             endWord();
         } else if (std::string_view(";|&(\n").find(character) != npos) {
-            words_.clear();
-            isRedirection_ = false;
-            startWord();
             return true;
         } else if (character == '<' || character == '>') {
             // The number of a descriptor belongs to the redirection.
-            if (word_.find_first_not_of("0123456789") == npos) {
+            if (!word_.empty() && word_.find_first_not_of("0123456789") == npos) {
                 startWord();
             }
             endWord();
@@ -118,24 +127,26 @@ std::string unquoted(std::string_view typed) {
 } // namespace
 
 BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor) {
-    Splitter before;
+    Splitter splitter;
     for (const char character : beforeCursor) {
-        before.read(character);
-    }
-    BashLine line = before.line();
-    // What is left of the word being typed belongs to no other word.
-    afterCursor.remove_prefix(std::min(afterCursor.find(' '), afterCursor.size()));
-    Splitter after;
-    for (const char character : afterCursor) {
-        const auto words = after.line().words;
-        if (after.read(character)) {
-            line.words.insert(line.words.end(), words.begin(), words.end());
-            return line;
+        if (splitter.read(character)) {
+            splitter.startCommand();
         }
     }
-    after.endWord();
-    const auto rest = after.line().words;
-    line.words.insert(line.words.end(), rest.begin(), rest.end() - 1);
+    BashLine line = splitter.line();
+    if (line.isRedirection) {
+        return line;
+    }
+    splitter.beginWord();
+    for (const char character : afterCursor) {
+        if (splitter.read(character)) {
+            break;
+        }
+    }
+    splitter.endWord();
+    // What is left of the word being typed belongs to no other word.
+    const auto rest = splitter.words().begin() + static_cast<std::ptrdiff_t>(line.words.size());
+    line.words.insert(line.words.end(), rest, splitter.words().end());
     return line;
 }
 
@@ -163,7 +174,10 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
     const bool mayChangeOptions = request.version >= 4;
     std::vector<std::string> lines{""};
     for (const Candidate& candidate : completions.candidates) {
-        if (candidate.value.starts_with(line.words[line.index])) {
+        // Between double quotes bash would put a command of its history in place of "!", and
+        // nothing can keep it from that.
+        const bool isSafe = line.openQuote != '"' || candidate.value.find('!') == std::string::npos;
+        if (isSafe && candidate.value.starts_with(line.words[line.index])) {
             const auto rest = std::string_view(candidate.value).substr(start);
             lines.push_back(completions.folders && mayChangeOptions ? std::string(rest)
                                                                     : quoted(rest, line.openQuote));

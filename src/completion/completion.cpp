@@ -20,9 +20,8 @@ constexpr std::size_t longestText = 4096;
 /// Whether the text can neither break a line of output nor play tricks on a terminal: much of what
 /// the application tells comes from projects that somebody has downloaded.
 bool isHarmless(const std::string& text) {
-    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
-        return (character >= 0 && character < ' ') || character == '\x7f';
-    });
+    const bool hasControl = std::any_of(
+        text.begin(), text.end(), [](char character) { return character >= 0 && character < ' '; });
     return text.size() <= longestText && !hasControl && utf8::isWellFormed(text) &&
            !withVisibleControls(text);
 }
@@ -196,11 +195,19 @@ private:
         }
     }
 
-    void addKnownValues(ValueKind kind) {
+    [[nodiscard]] std::string socketPath() const {
         const std::string* const socket = line_.valueOf("--socket");
-        Application application(socket != nullptr ? *socket : defaultSocketPath(),
-                                surroundings_.deadline);
+        if (socket == nullptr) {
+            return defaultSocketPath();
+        }
+        // The shell will expand it when the line is run, but hasn't yet.
+        return socket->starts_with('~') ? resolvePath(*socket, surroundings_.currentDirectory)
+                                        : *socket;
+    }
+
+    void addKnownValues(ValueKind kind) {
         try {
+            Application application(socketPath(), surroundings_.deadline);
             for (const Candidate& candidate :
                  knownValues(kind, line_, surroundings_.currentDirectory, application)) {
                 if (completions_.candidates.size() < mostCandidates && !candidate.value.empty() &&

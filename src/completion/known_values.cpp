@@ -83,8 +83,8 @@ Candidates languages(Application& application) {
 Candidates cursor(Application& application) {
     const auto result = get(application, "/v1/status");
     const auto status = result ? result->object() : std::nullopt;
-    const auto cursor = status ? status->optionalUnsigned("logCursor") : std::nullopt;
-    return cursor ? Candidates{{std::to_string(*cursor), "now"}} : Candidates{};
+    const auto cursor = status ? status->optionalInteger("logCursor") : std::nullopt;
+    return cursor && *cursor >= 0 ? Candidates{{std::to_string(*cursor), "now"}} : Candidates{};
 }
 
 /// What a row of a collection is, for a person.

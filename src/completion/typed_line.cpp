@@ -64,7 +64,8 @@ TypedLine::TypedLine(const std::vector<std::string>& words, std::size_t index) {
 }
 
 void TypedLine::take(std::span<const OptionDescription* const> options) {
-    for (auto word = words_.begin(); word != words_.end();) {
+    std::vector<Word> kept;
+    for (auto word = words_.begin(); word != words_.end(); ++word) {
         const auto option =
             std::find_if(options.begin(), options.end(),
                          [&](const auto* candidate) { return candidate->word == word->text; });
@@ -73,15 +74,16 @@ void TypedLine::take(std::span<const OptionDescription* const> options) {
         const bool isRepeated =
             option != options.end() && valueOf(word->text) != nullptr && !isGlobal(**option);
         if (option == options.end() || isRepeated || word->isCurrent || value == words_.end()) {
-            ++word;
+            kept.push_back(std::move(*word));
             continue;
         }
         taken_[word->text] = isFlag ? "" : value->text;
         if (value->isCurrent) {
             awaiting_ = *option;
         }
-        word = words_.erase(word, std::next(value));
+        word = value;
     }
+    words_ = std::move(kept);
 }
 
 void TypedLine::takeCommand() {
