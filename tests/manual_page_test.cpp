@@ -98,7 +98,9 @@ TEST(ManualPage, AgreesWithTheDescription) {
 
 TEST(ManualPage, ShowsCommandLinesThatAreUnderstood) {
     const auto page = std::regex_replace(partsOfThePage().at(""), std::regex(R"(\\\(aq)"), "'");
-    for (std::string line : matches(page, R"(\$ (?:\w+=\$\()?fernlow ((?:[^|\n\\]|\\e\n)*))")) {
+    const Words lines = matches(page, R"(\$ (?:\w+=\$\()?fernlow ((?:[^|\n\\]|\\e\n)*))");
+    EXPECT_GT(lines.size(), 10U);
+    for (std::string line : lines) {
         line = std::regex_replace(line, std::regex(R"(\\e\n)"), "");
         line = std::regex_replace(line, std::regex(R"(\$(\w+|\(\(.*\)\)))"), "7");
         EXPECT_FALSE(matches(outcome(line), "^(GET|POST) ").empty()) << line;

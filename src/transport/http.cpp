@@ -4,8 +4,6 @@
 #include "json/number.h"
 #include "transport/socket_client_error.h"
 
-#include <array>
-
 namespace fernlow {
 
 namespace {
@@ -13,7 +11,7 @@ namespace {
 constexpr std::string_view lineBreak = "\r\n";
 constexpr std::string_view blankLine = "\r\n\r\n";
 constexpr double usualReplyTimeout = 600;
-constexpr std::array<std::string_view, 1> timeoutKey = {"timeoutSeconds"};
+constexpr std::string_view timeoutKey = "timeoutSeconds";
 
 /// Takes the next piece that isn't empty off the front of the text; empty at the end.
 std::string_view takePiece(std::string_view& text, std::string_view separator) {
@@ -57,9 +55,9 @@ AgentReply parseReply(ByteBuffer bytes) {
 }
 
 double replyTimeoutSeconds(std::string_view body) {
-    const auto document = json::Document::parse(body, timeoutKey);
+    const auto document = json::Document::parse(body, {&timeoutKey, 1});
     const auto object = document ? document->root().object() : std::nullopt;
-    const auto timeout = object ? object->find(timeoutKey[0]) : std::nullopt;
+    const auto timeout = object ? object->find(timeoutKey) : std::nullopt;
     const auto literal = timeout ? timeout->numberLiteral() : std::nullopt;
     return literal ? json::nearestDouble(*literal) : usualReplyTimeout;
 }

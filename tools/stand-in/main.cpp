@@ -73,9 +73,10 @@ int main(int argc, char** argv) {
         const char* end = value + std::strlen(value);
         if (option == "--socket") {
             socketPath = value;
-        } else if (option != "--work-time" || std::from_chars(value, end, workTime).ptr != end ||
-                   workTime < 0) {
-            isUnderstood = false;
+        } else {
+            const auto read = std::from_chars(value, end, workTime);
+            isUnderstood = option == "--work-time" && read.ptr == end && read.ec == std::errc() &&
+                           workTime >= 0;
         }
     }
     if (!isUnderstood || socketPath == nullptr) {
