@@ -17,9 +17,8 @@ namespace {
 Answer reportWhenQuiet(State& state, const Json& body, std::uint64_t since, const fs::path& project,
                        const std::function<bool(const Job&)>& concerns) {
     using Seconds = std::chrono::duration<double>;
-    constexpr double aDay = 86400;
     const Seconds settle(body.value("settleMilliseconds", 0.0) / 1000);
-    const Seconds patience(std::min(body["timeoutSeconds"].get<double>(), aDay));
+    const Seconds patience(std::min(body["timeoutSeconds"].get<double>(), 86400.0));
     const auto start = Clock::now();
     const Json paths = body.value("paths", Json::array());
     return [=, &state, quietSince = start]() mutable -> std::optional<Json> {
@@ -47,9 +46,7 @@ Answer carryOut(State& state, const Json& body, std::vector<Job> jobs) {
     }
     const bool isWaiting = body["wait"];
     Json terms = body;
-    if (!isWaiting) {
-        terms["settleMilliseconds"] = 0;
-    }
+    terms["settleMilliseconds"] = isWaiting ? body.value("settleMilliseconds", 0.0) : 0.0;
     return reportWhenQuiet(state, terms, state.logCursor, "",
                            [=](const Job& job) { return isWaiting && job.request == request; });
 }
