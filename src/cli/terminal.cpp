@@ -45,9 +45,11 @@ bool isControl(std::string_view character) {
         return byte < 0x20 || (byte >= 0x7F && byte < 0xA0);
     }
     // C1 is U+0080 to U+009F; the others are U+202A to U+202E and U+2066 to U+2069.
+    // NOLINTBEGIN(misc-misleading-bidirectional): they are what is looked for.
     return (character >= "\xC2\x80" && character <= "\xC2\x9F") ||
            (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
            (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
+    // NOLINTEND(misc-misleading-bidirectional)
 }
 
 /// One step through a text: how far it leads, and whether it is over a control character.

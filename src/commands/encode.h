@@ -86,7 +86,7 @@ private:
         json::appendText(out_, wireWord(value));
     }
     void value(std::string_view name, const AgentSettingValue& setting) {
-        std::visit([&](const auto& kind) { payload(name, kind); }, setting.kind);
+        std::visit([&](const auto& kind) { this->payload(name, kind); }, setting.kind);
     }
     template <class Kind>
     void payload(std::string_view name, const Kind& kind) {

@@ -60,6 +60,7 @@ int main(int argc, char** argv) {
                                                        : completeWords(arguments, surroundings)));
     } catch (const std::exception&) {
         // Too few arguments, or too little memory: no candidates.
+        return 0;
     }
     return 0;
 }

@@ -46,7 +46,7 @@ struct Tape {
     [[nodiscard]] std::uint32_t find(std::string_view key, std::uint32_t first,
                                      std::uint32_t end) const {
         // Most keys differ in length, which tells without a look at their bytes.
-        while (first < end && !(nodes[first].size == key.size() && slice(nodes[first]) == key)) {
+        while (first < end && (nodes[first].size != key.size() || slice(nodes[first]) != key)) {
             first = after(first + 1);
         }
         return first;

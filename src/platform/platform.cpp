@@ -49,11 +49,12 @@ public:
         sigdelset(&signals, SIGKILL);
         sigdelset(&signals, SIGSTOP);
         posix_spawnattr_setsigdefault(&attributes_, &signals);
-        int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #ifdef __APPLE__
         // macOS closes every descriptor that no file action names.
-        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+        constexpr int flags =
+            POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_CLOEXEC_DEFAULT;
 #else
+        constexpr int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
         posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
 #endif
         posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));

@@ -29,6 +29,22 @@ void formatNumber(std::string_view literal, Lines& lines) {
     }
 }
 
+/// Those of each language under its name. Gives whether there were any.
+bool renderLanguages(const json::Object& languages, Lines& lines) {
+    bool any = false;
+    for (const std::uint32_t place : languages.sortedMembers()) {
+        const auto [name, value] = languages.member(place);
+        const auto values = value.object();
+        if (values && !values->isEmpty()) {
+            lines.add();
+            lines.add(name, ":");
+            renderValues(*values, lines);
+            any = true;
+        }
+    }
+    return any;
+}
+
 /// Those of the whole project, then those of each language, under headings; empty ones are left
 /// out.
 void renderSettings(const json::Object& project, const std::optional<json::Object>& languages,
@@ -39,16 +55,8 @@ void renderSettings(const json::Object& project, const std::optional<json::Objec
         renderValues(project, lines);
         any = true;
     }
-    for (const std::uint32_t place :
-         languages ? languages->sortedMembers() : std::vector<std::uint32_t>()) {
-        const auto [name, value] = languages->member(place);
-        const auto values = value.object();
-        if (values && !values->isEmpty()) {
-            lines.add();
-            lines.add(name, ":");
-            renderValues(*values, lines);
-            any = true;
-        }
+    if (languages && renderLanguages(*languages, lines)) {
+        any = true;
     }
     if (!any) {
         lines.add("No settings.");
