@@ -62,7 +62,7 @@ std::vector<json::Member> membersOf(const std::optional<json::Object>& object) {
 Candidates listed(const std::optional<json::Value>& result, std::string_view value,
                   std::string_view description) {
     Candidates candidates;
-    for (const json::Object& row : rowsOf(result)) {
+    for (const json::Object row : rowsOf(result)) {
         candidates.push_back({std::string(row.text(value)), std::string(row.text(description))});
     }
     return candidates;
@@ -84,7 +84,11 @@ Candidates cursor(Application& application) {
     const auto result = get(application, "/v1/status");
     const auto status = result ? result->object() : std::nullopt;
     const auto cursor = status ? status->optionalInteger("logCursor") : std::nullopt;
-    return cursor && *cursor >= 0 ? Candidates{{std::to_string(*cursor), "now"}} : Candidates{};
+    Candidates candidates;
+    if (cursor && *cursor >= 0) {
+        candidates.push_back({std::to_string(*cursor), "now"});
+    }
+    return candidates;
 }
 
 /// What a row of a collection is, for a person.
@@ -108,7 +112,7 @@ Candidates rows(std::string_view member, const std::optional<AgentCollectionKind
         ask(application, "/v1/collections", AgentCollectionListRequest{project, kind});
     Candidates candidates;
     for (const json::Member& rows : membersOf(result ? result->object() : std::nullopt)) {
-        for (const json::Object& row : rowsOf(rows.value)) {
+        for (const json::Object row : rowsOf(rows.value)) {
             candidates.push_back({std::string(row.text(member)), describeRow(rows.key, row)});
         }
     }
@@ -195,7 +199,7 @@ Candidates settings(const TypedLine& line, const CurrentDirectory& currentDirect
     const auto key = [](const std::string& word) { return word.substr(0, word.find('=')); };
     const bool hasKey = line.current().find('=') != std::string::npos;
     Candidates candidates;
-    for (const json::Object& row : rowsOf(settingsSchema(line, currentDirectory, application))) {
+    for (const json::Object row : rowsOf(settingsSchema(line, currentDirectory, application))) {
         const std::string name(row.text("name"));
         if (!isMeant(row, line) || name.empty()) {
             continue;
