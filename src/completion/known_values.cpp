@@ -43,7 +43,7 @@ std::optional<json::Value> ask(Application& application, std::string_view path,
     return application.ask({"POST", path, encode(record)});
 }
 
-json::List<json::Object> rowsOf(const std::optional<json::Value>& result) {
+json::List<json::Object> rowsOf(std::optional<json::Value> result) {
     return result ? result->objects().value_or(json::List<json::Object>())
                   : json::List<json::Object>();
 }
