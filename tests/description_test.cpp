@@ -164,10 +164,9 @@ TEST(Description, TellsTheParsersChoicesAndRanges) {
         add(options, form.required);
         for (const auto& [word, option] : options) {
             const std::string start = wholeLine(form, option);
-            const auto with = [&](const auto&... value) {
+            const auto with = [given = start + ' ' + word + ' '](const auto& value) {
                 std::ostringstream line;
-                line << start << ' ' << word << ' ';
-                (line << ... << value);
+                line << given << value;
                 return outcome(line.str());
             };
             for (const auto choice : option->value.choices) {
