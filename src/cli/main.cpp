@@ -4,11 +4,28 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
+#include <exception>
 #include <new>
 #include <string>
 #include <vector>
 
+namespace {
+
+/// Throwing takes memory too. The C++ library sets some aside for it as the program starts; without
+/// even that, a throw ends here, whether or not a request was sent.
+[[noreturn]] void endWithoutException() {
+    if (std::current_exception() == nullptr) {
+        static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemory));
+        ::_exit(fernlow::notReached);
+    }
+    std::abort();
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
+    std::set_terminate(&endWithoutException);
     const bool standardOutputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     try {
         const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);

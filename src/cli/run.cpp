@@ -17,7 +17,6 @@ namespace fernlow {
 
 namespace {
 
-constexpr int notReached = 3;
 constexpr std::string_view version = "1";
 
 /// JSON goes out as it is, whoever reads it.

@@ -10,9 +10,11 @@
 
 namespace fernlow {
 
-/// What a run says, and ends with, when memory has run out before there was a request.
+/// What a run says when memory has run out, and what it ends with: the first where nothing was
+/// sent, the second where that isn't known.
 inline constexpr const char* outOfMemory = "There is not enough memory for this.";
 inline constexpr int badArguments = 2;
+inline constexpr int notReached = 3;
 
 /// What a run uses of the world around it; the defaults are the real ones.
 struct RunSurroundings {
