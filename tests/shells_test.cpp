@@ -38,7 +38,9 @@ const Shell bash{"bash", "--norc --noprofile -i",
 const Shell zsh{"zsh", "-f -i",
                 "fpath=(P/share/zsh/site-functions $fpath); autoload -Uz compinit; compinit -u -D; "
                 "setopt nounset; IFS=:"};
-const Shell fish{"fish", "--no-config -i", "source P/share/fish/vendor_completions.d/fernlow.fish"};
+// Newer ones ask the terminal who it is, and wait for an answer.
+const Shell fish{"fish", "--features=no-query-term --no-config -i",
+                 "source P/share/fish/vendor_completions.d/fernlow.fish"};
 
 /// A session of the shell with the installed completion, in a folder with files to complete.
 class Session {
