@@ -47,6 +47,7 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
         {"a\r\nb\rc\r\r\n", "a\r\r\nb\uFFFDc\uFFFD\r\r\n"},
         {"\x01\x1F \x7F~", "\uFFFD\uFFFD \uFFFD~"},
         {"\u007f\u0080\u009f\u00a0", "\uFFFD\uFFFD\uFFFD\u00a0"},
+        // NOLINTNEXTLINE(misc-misleading-bidirectional): they are what is tested.
         {"\u2029\u202a\u202e\u202f\u2065\u2066\u2069\u206a",
          "\u2029\uFFFD\uFFFD\u202f\u2065\uFFFD\uFFFD\u206a"},
         {"\x9B"
