@@ -4,7 +4,6 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -12,14 +11,16 @@
 
 namespace {
 
+const std::terminate_handler usualEnd = std::get_terminate();
+
 /// Throwing takes memory too. The C++ library sets some aside for it as the program starts; without
 /// even that, a throw ends here, whether or not a request was sent.
-[[noreturn]] void endWithoutException() {
-    if (std::current_exception() == nullptr) {
-        static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemory));
-        ::_exit(fernlow::notReached);
+void endWithoutException() {
+    if (std::current_exception() != nullptr) {
+        usualEnd();
     }
-    std::abort();
+    static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemory));
+    ::_exit(fernlow::notReached);
 }
 
 } // namespace

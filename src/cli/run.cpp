@@ -30,7 +30,11 @@ void writeStandardError(const RunSurroundings& surroundings, std::string_view te
 
 void report(const RunSurroundings& surroundings, const std::exception& error) {
     const bool isOutOfMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-    writeStandardError(surroundings, isOutOfMemory ? outOfMemory : error.what());
+    try {
+        writeStandardError(surroundings, isOutOfMemory ? outOfMemory : error.what());
+    } catch (const std::bad_alloc&) {
+        writeStandardError(surroundings, outOfMemory);
+    }
 }
 
 /// Writes the text and gives the status, which is never success when the text was lost.

@@ -10,9 +10,9 @@
 
 namespace fernlow {
 
-/// What a run says when memory has run out, and what it ends with: the first where nothing was
-/// sent, the second where that isn't known.
+/// What a run says when memory has run out.
 inline constexpr const char* outOfMemory = "There is not enough memory for this.";
+/// The exit status when nothing was sent, and when the application gave no answer.
 inline constexpr int badArguments = 2;
 inline constexpr int notReached = 3;
 

@@ -57,23 +57,23 @@ AgentCLIAction parseFileList(WordList& words, const FilesOptions& options,
     return post("/v1/files", request);
 }
 
-/// Splits the words of "files set" into the one file and its settings: a word with a "=" is a
+/// Takes the one file from the words of "files set" and leaves its settings: a word with a "=" is a
 /// setting, so a file with one in its name cannot be named.
 std::string takeFileWord(std::vector<std::string>& words) {
-    const auto settingsEnd =
-        std::stable_partition(words.begin(), words.end(), [](const std::string& word) {
-            return word.find('=') != std::string::npos;
-        });
-    const auto files = std::distance(settingsEnd, words.end());
-    if (files == 0) {
+    const auto isSetting = [](const std::string& word) {
+        return word.find('=') != std::string::npos;
+    };
+    const auto file = std::find_if_not(words.begin(), words.end(), isSetting);
+    if (file == words.end()) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingPath{"files set"});
     }
-    if (files > 1) {
-        throw AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{settingsEnd[1]});
+    const auto another = std::find_if_not(file + 1, words.end(), isSetting);
+    if (another != words.end()) {
+        throw AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{*another});
     }
-    std::string file = std::move(*settingsEnd);
-    words.pop_back();
-    return file;
+    std::string path = std::move(*file);
+    words.erase(file);
+    return path;
 }
 
 AgentCLIAction parseFileSet(WordList& words, const FilesOptions& options,

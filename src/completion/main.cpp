@@ -51,6 +51,8 @@ std::string completeBash(const std::vector<std::string>& arguments,
 
 int main(int argc, char** argv) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
+    // Where there isn't even the memory for throwing.
+    std::set_terminate([] { ::_exit(0); });
     try {
         const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
         const Surroundings surroundings{CurrentDirectory::ofProcess(), deadline};
