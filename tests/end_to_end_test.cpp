@@ -108,6 +108,10 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("files skip vendor"), "Done.\n[0]");
     EXPECT_EQ(seen("files set src/print.scss --action ignore").substr(0, 37),
               "src/print.scss  [IGNORE, action chose");
+    for (const char* const outside :
+         {"--output-folder .", "--output-folder build --output-name .."}) {
+        EXPECT_EQ(run(std::string("files set src/print.scss ") + outside, false).status, 5);
+    }
     EXPECT_EQ(seen("files --limit 2 --offset 2"), "src/main.js\n"
                                                   "    \u2192 SITE/build/main.js\n"
                                                   "src/print.scss  [IGNORE, action chosen]\n"

@@ -80,8 +80,9 @@ Json setFile(State& state, const Json& body) {
     if (body.contains("outputFilename") && !body.contains("outputFolder")) {
         throw Refusal("An output name needs an output folder.");
     }
-    if (body.value("outputFilename", "").find('/') != std::string::npos) {
-        throw Refusal("An output name can't hold a \"/\".");
+    const std::string name = body.value("outputFilename", "");
+    if (name.find('/') != std::string::npos || name == "." || name == "..") {
+        throw Refusal("An output name is no path.");
     }
     Json output = Json::object();
     for (const char* member : {"outputAction", "outputFolder", "outputFilename"}) {
