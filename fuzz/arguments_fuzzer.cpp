@@ -2,7 +2,7 @@
 // an object to an independent parser (which checks its UTF-8 too), with null only where a setting's
 // value is null.
 #include "cli/invocation.h"
-#include "cli/usage_error.h"
+#include "commands/usage_error.h"
 #include "json/writer.h"
 #include "require.h"
 

@@ -1,6 +1,6 @@
 #include "cli/help_text.h"
 #include "cli/invocation.h"
-#include "cli/words.h"
+#include "commands/words.h"
 #include "support/command_line.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "cli/description.h"
 #include "cli/help_text.h"
+#include "commands/description.h"
 #include "support/command_line.h"
 
 #include <gtest/gtest.h>

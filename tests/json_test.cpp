@@ -1,6 +1,6 @@
+#include "bytes/number.h"
+#include "bytes/utf8.h"
 #include "json/document.h"
-#include "json/number.h"
-#include "json/utf8.h"
 #include "render/reply.h"
 
 #include <gtest/gtest.h>
@@ -93,7 +93,7 @@ TEST(Number, IsShownInPlainDigits) {
                   "Project-wide:\n  n = " + shown);
     }
     for (const double extreme : {1e-7, 5e-324, 1e21, 1e23, std::numeric_limits<double>::max()}) {
-        const std::string text = json::shortestDecimal(extreme);
+        const std::string text = number::shortestDecimal(extreme);
         EXPECT_EQ(std::strtod(text.c_str(), nullptr), extreme) << text;
         EXPECT_EQ(text.find_first_of("e.") == std::string::npos, extreme > 1) << text;
     }

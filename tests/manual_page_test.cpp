@@ -1,4 +1,4 @@
-#include "cli/description.h"
+#include "commands/description.h"
 #include "support/command_line.h"
 
 #include <gtest/gtest.h>

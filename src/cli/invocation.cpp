@@ -1,11 +1,11 @@
 #include "cli/invocation.h"
 
-#include "cli/usage_error.h"
 #include "commands/collections.h"
 #include "commands/files.h"
 #include "commands/packages.h"
 #include "commands/projects.h"
 #include "commands/settings.h"
+#include "commands/usage_error.h"
 #include "commands/work.h"
 #include "transport/socket_location.h"
 

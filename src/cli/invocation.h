@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/action.h"
-#include "cli/words.h"
+#include "commands/action.h"
+#include "commands/paths.h"
 
 #include <string>
 #include <vector>

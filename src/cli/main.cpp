@@ -1,6 +1,6 @@
 #include "cli/output.h"
 #include "cli/run.h"
-#include "cli/words.h"
+#include "commands/paths.h"
 
 #include <unistd.h>
 

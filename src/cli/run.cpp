@@ -1,9 +1,9 @@
 #include "cli/run.h"
 
-#include "cli/action.h"
 #include "cli/help_text.h"
 #include "cli/invocation.h"
 #include "cli/output.h"
+#include "commands/action.h"
 #include "render/reply.h"
 #include "transport/socket_client.h"
 

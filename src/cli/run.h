@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/words.h"
+#include "commands/paths.h"
 #include "transport/launcher.h"
 
 #include <unistd.h>

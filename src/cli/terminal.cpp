@@ -1,6 +1,6 @@
 #include "cli/terminal.h"
 
-#include "json/utf8.h"
+#include "bytes/utf8.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/action.h"
+#include "commands/action.h"
 #include "commands/setting_values.h"
 #include "commands/wire_words.h"
 #include "json/writer.h"

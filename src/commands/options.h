@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cli/usage_error.h"
-#include "cli/words.h"
+#include "commands/usage_error.h"
 #include "commands/wire_words.h"
+#include "commands/words.h"
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
 #include "commands/setting_values.h"
 
-#include "cli/usage_error.h"
+#include "bytes/number.h"
+#include "commands/usage_error.h"
 #include "json/document.h"
-#include "json/number.h"
 
 #include <cstdint>
 #include <string_view>
@@ -31,7 +31,7 @@ std::optional<AgentSettingValue> decodeSettingValue(const json::Value& value) {
         return AgentSettingValue{AgentSettingValue::integer{*integer}};
     }
     if (const auto literal = value.numberLiteral()) {
-        return AgentSettingValue{AgentSettingValue::decimal{json::nearestDouble(*literal)}};
+        return AgentSettingValue{AgentSettingValue::decimal{number::nearestDouble(*literal)}};
     }
     if (const auto text = value.text()) {
         return AgentSettingValue{AgentSettingValue::text{std::string(*text)}};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/words.h"
+#include "commands/words.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "json/byte_buffer.h"
+#include "bytes/byte_buffer.h"
 #include "json/document.h"
 #include "transport/http.h"
 

@@ -1,9 +1,9 @@
 #include "completion/completion.h"
 
+#include "bytes/utf8.h"
 #include "cli/terminal.h"
 #include "commands/subcommand.h"
 #include "completion/known_values.h"
-#include "json/utf8.h"
 #include "json/writer.h"
 #include "transport/socket_location.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/words.h"
+#include "commands/paths.h"
 
 #include <chrono>
 #include <cstddef>

@@ -6,10 +6,10 @@
 //
 // The first line names the shell's own completions that are wanted too; each further one is a
 // candidate, followed by a tab and its description where the shell shows one.
+#include "bytes/number.h"
 #include "cli/output.h"
 #include "completion/bash_line.h"
 #include "completion/completion.h"
-#include "json/number.h"
 
 #include <unistd.h>
 
@@ -25,7 +25,7 @@ constexpr std::chrono::milliseconds patience(350);
 
 std::string completeWords(const std::vector<std::string>& arguments,
                           const Surroundings& surroundings) {
-    const auto index = json::readInteger(arguments.at(1)).value_or(0);
+    const auto index = number::readInteger(arguments.at(1)).value_or(0);
     const auto completions = complete({arguments.begin() + 2, arguments.end()},
                                       static_cast<std::size_t>(index), surroundings);
     std::string text(shellsOwn(completions));
@@ -37,7 +37,7 @@ std::string completeWords(const std::vector<std::string>& arguments,
 
 std::string completeBash(const std::vector<std::string>& arguments,
                          const Surroundings& surroundings) {
-    const auto version = json::readInteger(arguments.at(1)).value_or(0);
+    const auto version = number::readInteger(arguments.at(1)).value_or(0);
     std::string text;
     for (const std::string& line : completeBashLine(
              {arguments.at(2), arguments.at(3), static_cast<int>(version), arguments.at(4)},

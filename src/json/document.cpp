@@ -1,6 +1,6 @@
 #include "json/document.h"
 
-#include "json/number.h"
+#include "bytes/number.h"
 #include "json/tape.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ std::optional<Number> readWhole(std::string_view literal) {
     if (const auto plain = read(literal)) {
         return plain;
     }
-    const auto digits = wholeDigits(literal);
+    const auto digits = number::wholeDigits(literal);
     return digits ? read(*digits) : std::nullopt;
 }
 

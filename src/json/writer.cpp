@@ -1,7 +1,7 @@
 #include "json/writer.h"
 
-#include "json/number.h"
-#include "json/utf8.h"
+#include "bytes/number.h"
+#include "bytes/utf8.h"
 
 #include <cmath>
 
@@ -74,7 +74,7 @@ void appendDecimal(std::string& out, double value, std::string_view name) {
         throw EncodingError("\"" + std::string(name) +
                             "\" must be a finite number to be sent to Fernlow.");
     }
-    out += shortestDecimal(value);
+    out += number::shortestDecimal(value);
 }
 
 } // namespace fernlow::json

@@ -1,6 +1,6 @@
 #include "render/reply.h"
 
-#include "json/utf8.h"
+#include "bytes/utf8.h"
 #include "render/views.h"
 
 #include <algorithm>

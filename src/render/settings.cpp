@@ -1,4 +1,4 @@
-#include "json/number.h"
+#include "bytes/number.h"
 #include "render/tags.h"
 #include "render/views.h"
 
@@ -19,10 +19,10 @@ void joinTexts(const json::List<std::string_view>& texts, Lines& lines) {
 }
 
 void formatNumber(std::string_view literal, Lines& lines) {
-    if (const auto digits = json::wholeDigits(literal)) {
+    if (const auto digits = number::wholeDigits(literal)) {
         lines.append(*digits);
-    } else if (const double value = json::nearestDouble(literal); std::isfinite(value)) {
-        lines.append(json::shortestDecimal(value));
+    } else if (const double value = number::nearestDouble(literal); std::isfinite(value)) {
+        lines.append(number::shortestDecimal(value));
     } else {
         // What no double can hold is shown as the reply has it.
         lines.append(literal);

@@ -1,7 +1,7 @@
 #include "transport/http.h"
 
+#include "bytes/number.h"
 #include "json/document.h"
-#include "json/number.h"
 #include "transport/socket_client_error.h"
 
 namespace fernlow {
@@ -46,7 +46,7 @@ AgentReply parseReply(ByteBuffer bytes) {
     std::string_view head = all.substr(0, headEnd);
     std::string_view statusLine = takePiece(head, lineBreak);
     takePiece(statusLine, " ");
-    const auto statusCode = json::readInteger(takePiece(statusLine, " "));
+    const auto statusCode = number::readInteger(takePiece(statusLine, " "));
     if (!statusCode) {
         throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
     }
@@ -59,7 +59,7 @@ double replyTimeoutSeconds(std::string_view body) {
     const auto object = document ? document->root().object() : std::nullopt;
     const auto timeout = object ? object->find(timeoutKey) : std::nullopt;
     const auto literal = timeout ? timeout->numberLiteral() : std::nullopt;
-    return literal ? json::nearestDouble(*literal) : usualReplyTimeout;
+    return literal ? number::nearestDouble(*literal) : usualReplyTimeout;
 }
 
 } // namespace fernlow

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/description.h"
+#include "commands/description.h"
 
 #include <set>
 #include <string>

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace fernlow::json {
+namespace fernlow::number {
 
 /// A whole number as people and protocols write it: an optional "+" or "-" and ASCII digits, within
 /// 64 bits.
@@ -24,4 +24,4 @@ double nearestDouble(std::string_view literal);
 /// written with an exponent.
 std::string shortestDecimal(double value);
 
-} // namespace fernlow::json
+} // namespace fernlow::number

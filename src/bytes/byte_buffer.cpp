@@ -1,4 +1,4 @@
-#include "json/byte_buffer.h"
+#include "bytes/byte_buffer.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "cli/usage_error.h"
+#include "commands/usage_error.h"
 
 #include <string_view>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "cli/description.h"
+#include "commands/description.h"
 
-#include "cli/option_descriptions.h"
+#include "commands/option_descriptions.h"
 #include "commands/packages.h"
 #include "commands/wire_words.h"
 

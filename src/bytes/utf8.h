@@ -1,6 +1,6 @@
 #pragma once
 
-#include "json/byte_buffer.h"
+#include "bytes/byte_buffer.h"
 
 #include <cstddef>
 #include <string_view>

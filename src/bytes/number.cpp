@@ -1,4 +1,4 @@
-#include "json/number.h"
+#include "bytes/number.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +11,7 @@
 #include <limits>
 #include <system_error>
 
-namespace fernlow::json {
+namespace fernlow::number {
 
 namespace {
 
@@ -115,4 +115,4 @@ std::string shortestDecimal(double value) {
     return text.data();
 }
 
-} // namespace fernlow::json
+} // namespace fernlow::number

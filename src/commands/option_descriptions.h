@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/description.h"
 #include "commands/collections.h"
+#include "commands/description.h"
 #include "commands/files.h"
 #include "commands/packages.h"
 #include "commands/ranges.h"

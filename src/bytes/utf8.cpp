@@ -1,4 +1,4 @@
-#include "json/utf8.h"
+#include "bytes/utf8.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,0 +1,74 @@
+#include "commands/paths.h"
+
+#include "platform/platform.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+
+namespace fernlow {
+
+namespace {
+
+std::string expandTilde(std::string_view word) {
+    const std::size_t nameEnd = std::min(word.find('/'), word.size());
+    const std::string_view user = word.substr(1, nameEnd - 1);
+    const auto home =
+        user.empty() ? platform::homeFolder() : platform::homeFolderOf(std::string(user));
+    return home ? *home + std::string(word.substr(nameEnd)) : std::string(word);
+}
+
+/// An absolute path without empty, "." and ".." components. ".." at the root stays at the root.
+std::string standardized(std::string_view path) {
+    std::string result;
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find('/'), path.size());
+        const std::string_view component = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        if (component == "..") {
+            result.erase(std::min(result.rfind('/'), result.size()));
+        } else if (!component.empty() && component != ".") {
+            result.append("/").append(component);
+        }
+    }
+    return result.empty() ? "/" : result;
+}
+
+} // namespace
+
+CurrentDirectory CurrentDirectory::ofProcess() {
+    CurrentDirectory directory;
+    struct Free {
+        void operator()(char* text) const { std::free(text); }
+    };
+    // Both systems allocate a result of any length when they are given no buffer.
+    const std::unique_ptr<char, Free> path(::getcwd(nullptr, 0));
+    // Linux reports a folder outside the process's root with "(unreachable)" in front.
+    if (path != nullptr && *path == '/') {
+        directory.path_ = path.get();
+    }
+    return directory;
+}
+
+const std::string& CurrentDirectory::path() const {
+    if (!path_) {
+        throw CurrentDirectoryError(
+            "The current directory cannot be read, so paths cannot be worked out from it.");
+    }
+    return *path_;
+}
+
+std::string resolvePath(std::string_view word, const CurrentDirectory& currentDirectory) {
+    if (word.starts_with('~')) {
+        return expandTilde(word);
+    }
+    if (word.starts_with('/')) {
+        return std::string(word);
+    }
+    return standardized(currentDirectory.path() + "/" + std::string(word));
+}
+
+} // namespace fernlow
