@@ -1,7 +1,7 @@
 // What the parts of a run cost by themselves: understanding a command line, and presenting a reply.
 #include "bytes/byte_buffer.h"
 #include "cli/invocation.h"
-#include "commands/words.h"
+#include "commands/paths.h"
 #include "render/reply.h"
 
 #include <benchmark/benchmark.h>

@@ -1,6 +1,7 @@
 #include "cli/help_text.h"
 #include "cli/invocation.h"
-#include "commands/words.h"
+#include "commands/command_line.h"
+#include "commands/command_table.h"
 #include "support/command_line.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <regex>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -205,6 +207,19 @@ TEST(CommandLines, BecomeRequestsWithOptionsThatTheHelpExplains) {
         for (const std::string& word : splitWords(line)) {
             EXPECT_TRUE(!word.starts_with("--") || help.find(word) != std::string::npos) << word;
         }
+    }
+}
+
+TEST(CommandLines, HaveARowForEveryCommand) {
+    const CurrentDirectory here("/p");
+    std::set<const Command*> tried;
+    for (const auto& [text, expected] : cases) {
+        CommandLine line(splitWords(text), here);
+        line.takeSubcommand();
+        tried.insert(&line.command());
+    }
+    for (const Command* const command : allCommands()) {
+        EXPECT_TRUE(tried.contains(command)) << command->name();
     }
 }
 

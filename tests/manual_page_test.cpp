@@ -1,4 +1,5 @@
-#include "commands/description.h"
+#include "commands/command_table.h"
+#include "commands/global_options.h"
 #include "support/command_line.h"
 
 #include <gtest/gtest.h>
@@ -39,13 +40,14 @@ std::map<std::string, std::string> partsOfThePage() {
 void expectFacts(const std::string& text, const ValueDescription& value) {
     SCOPED_TRACE(text);
     const auto& [least, most, usual] = value.range;
+    const bool isNumber = value.kind == ValueKind::wholeNumber || value.kind == ValueKind::decimal;
     Words numbers;
     for (const auto number : {least, most, usual.value_or(most)}) {
         numbers.insert(std::to_string(number));
     }
     numbers.erase(std::to_string(NumberRange::lowest));
     numbers.erase(std::to_string(NumberRange::highest));
-    EXPECT_TRUE(value.kind != ValueKind::number || matches(text, R"(\b(\d+)\b)") == numbers);
+    EXPECT_TRUE(!isNumber || matches(text, R"(\b(\d+)\b)") == numbers);
     EXPECT_EQ(matches(text, R"(\.Cm (\w+))"), Words(value.choices.begin(), value.choices.end()));
     EXPECT_NE(text.find(value.usually), std::string::npos);
 }
@@ -56,29 +58,26 @@ TEST(ManualPage, AgreesWithTheDescription) {
     const auto parts = partsOfThePage();
     auto others = parts;
     std::string markup;
-    for (const auto* option : globalOptions()) {
+    for (const auto* option : GlobalOptions::all()) {
         markup += " Fl " + std::string(option->word.substr(1));
         EXPECT_EQ(others.erase("rest " + std::string(option->word)), 1) << option->word;
     }
-    for (const auto& form : commandDescriptions()) {
-        const std::string command = name(form);
+    for (const Command* const row : allCommands()) {
+        const std::string command = row->name();
         std::string synopsis = " .Ic " + command;
-        for (const auto alias : form.aliases) {
+        for (const auto alias : row->aliases) {
             synopsis += " | Fl " + std::string(alias.substr(1));
         }
-        for (const bool isRequired : {true, false}) {
-            for (const auto* option : isRequired ? form.required : form.options) {
-                const std::string word(option->word), value(option->value.name);
-                const bool isSecond = word.starts_with("--no-") && !option->opposite.empty();
-                synopsis += isRequired ? " .Fl " : isSecond ? " | Fl " : " .Op Fl ";
-                synopsis += word.substr(1) + (value.empty() ? "" : " Ar ") + value;
-                const bool isOwn = parts.contains(command + " " + word);
-                const std::string part = (isOwn ? command : "rest") + " " + word;
-                expectFacts(parts.at(part), option->value);
-                others.erase(part);
-            }
+        for (const auto& [option, isRequired] : row->options) {
+            const std::string word(option->word), value(option->value.name);
+            synopsis += isRequired ? " .Fl " : option->opposite.empty() ? " .Op Fl " : " | Fl ";
+            synopsis += word.substr(1) + (value.empty() ? "" : " Ar ") + value;
+            const bool isOwn = parts.contains(command + " " + word);
+            const std::string part = (isOwn ? command : "rest") + " " + word;
+            expectFacts(parts.at(part), option->value);
+            others.erase(part);
         }
-        for (const auto& [value, isRequired, repeats] : form.operands) {
+        for (const auto& [value, isRequired, repeats, option] : row->operands) {
             synopsis += (isRequired ? " .Ar " : " .Op Ar ") + std::string(value.name);
             synopsis += repeats ? " ..." : "";
             if (!value.choices.empty()) {

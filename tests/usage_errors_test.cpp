@@ -166,6 +166,7 @@ TEST(UsageErrors, Files) {
 TEST(UsageErrors, Collections) {
     expectMessages({
         {"collections x --position y", notANumber("--position", "y")},
+        {"collections ''", noSuchCommand("collections ")},
         {"collections x --y", noSuchCommand("collections x")},
         {"collections ./x y", noSuchCommand("collections ./x")},
         {"collections --kind x --y", notAnOption("--y")},

@@ -1,6 +1,6 @@
 #include "cli/help_text.h"
 
-#include "commands/ranges.h"
+#include "commands/options.h"
 
 #include <string_view>
 
@@ -286,9 +286,9 @@ WORTH KNOWING
 
 std::string usageText() {
     std::string text(upToDefaultTimeout);
-    text += std::to_string(defaultTimeoutSeconds);
+    text += std::to_string(static_cast<int>(options::timeout.usual()));
     text += upToDefaultSettle;
-    text += std::to_string(defaultSettleMilliseconds);
+    text += std::to_string(options::settle.usual());
     text += afterDefaultSettle;
     return text;
 }

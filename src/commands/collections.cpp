@@ -1,124 +1,176 @@
 #include "commands/collections.h"
 
+#include "commands/command_line.h"
 #include "commands/options.h"
-#include "commands/subcommand.h"
+#include "commands/setting_values.h"
+#include "commands/usage_error.h"
 
-#include <algorithm>
+#include <cstdint>
+#include <utility>
 
 namespace fernlow {
 
+enum class AgentBuildStepType { processItems, processRemainingItems, runScript };
+template <>
+inline constexpr auto wireWords<AgentBuildStepType> =
+    std::to_array<std::string_view>({"processItems", "processRemainingItems", "runScript"});
+
 namespace {
 
-/// The options that all of "collections" knows; what a subcommand has no use for is dropped.
-struct CollectionOptions {
-    std::optional<std::string> kind;
-    std::optional<std::string> id;
-    std::optional<std::string> type;
-    std::optional<std::string> fileExtension;
-    std::optional<std::string> values;
-    std::optional<std::int64_t> position;
+using namespace options;
+using namespace operands;
 
-    [[nodiscard]] AgentCollectionKind requiredKind() const {
-        return namedCase<AgentCollectionKind>("--kind", std::string_view(required("--kind", kind)));
-    }
+constexpr Choice<AgentCollectionKind> onlyKind{kind.word, "Only this kind of row", "every kind"};
 
-    [[nodiscard]] std::optional<AgentCollectionKind> optionalKind() const {
-        return namedCase<AgentCollectionKind>("--kind", kind);
-    }
-
-    [[nodiscard]] const std::string& requiredId() const {
-        const std::string& given = required("--id", id);
-        if (given.empty()) {
-            throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"--id"});
-        }
-        return given;
-    }
-};
-
-CollectionOptions takeCollectionOptions(WordList& words) {
-    CollectionOptions options;
-    options.kind = words.takeOptionValue("--kind");
-    options.id = words.takeOptionValue("--id");
-    options.type = words.takeOptionValue("--type");
-    options.fileExtension = words.takeOptionValue("--extension");
-    options.values = words.takeOptionValue("--values");
-    options.position = words.takeWholeNumber("--position");
-    return options;
+AgentCLIAction parseCollections(CommandLine& line) {
+    AgentCollectionListRequest request;
+    request.path = line.takePathOrCurrentDirectory();
+    request.kind = line.value(onlyKind);
+    return post("/v1/collections", request);
 }
 
-AgentCLIAction parseCollectionAdd(WordList& words, const CollectionOptions& options,
-                                  const CurrentDirectory& currentDirectory) {
+constexpr Choice<AgentBuildStepType> type{"--type",
+                                          "The type of a new build step, which needs one"};
+constexpr Text newExtension{
+    ofExtension.word, {ValueKind::text, "ext"}, "The extension of a new user-defined language"};
+
+struct AgentCollectionAddRequest {
+    std::string path;
+    AgentCollectionKind kind = AgentCollectionKind::hooks;
+    std::optional<AgentBuildStepType> buildStepType;
+    std::optional<std::string> fileExtension;
+    SettingValues values;
+    /// Always empty: a new row's settings are given through --values.
+    SettingLiterals literals;
+    FERNLOW_WIRE_FIELDS(path, kind, buildStepType, fileExtension, values, literals)
+};
+
+AgentCLIAction parseCollectionAdd(CommandLine& line) {
     AgentCollectionAddRequest request;
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    request.kind = options.requiredKind();
-    request.buildStepType = namedCase<AgentBuildStepType>("--type", options.type);
-    request.fileExtension = options.fileExtension;
-    request.values = decodeValuesOption(options.values);
+    request.path = line.takePathOrCurrentDirectory();
+    request.kind = line.require(kind);
+    request.buildStepType = line.value(type);
+    request.fileExtension = line.value(newExtension);
+    request.values = line.value(values).value_or(SettingValues());
     return post("/v1/collections/add", request);
 }
 
-AgentCLIAction parseCollectionRemove(WordList& words, const CollectionOptions& options,
-                                     const CurrentDirectory& currentDirectory) {
+constexpr Text id{"--id", {ValueKind::rowId, "id"}, "Which row, as the listing reports it"};
+
+/// Unlike other texts it may not be empty.
+std::string requireId(const CommandLine& line) {
+    std::string given = line.require(id);
+    if (given.empty()) {
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{std::string(id.word)});
+    }
+    return given;
+}
+
+struct AgentCollectionRemoveRequest {
+    std::string path;
+    AgentCollectionKind kind = AgentCollectionKind::hooks;
+    std::string id;
+    FERNLOW_WIRE_FIELDS(path, kind, id)
+};
+
+AgentCLIAction parseCollectionRemove(CommandLine& line) {
     AgentCollectionRemoveRequest request;
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    request.kind = options.requiredKind();
-    request.id = options.requiredId();
+    request.path = line.takePathOrCurrentDirectory();
+    request.kind = line.require(kind);
+    request.id = requireId(line);
     return post("/v1/collections/remove", request);
 }
 
-AgentCLIAction parseCollectionMove(WordList& words, const CollectionOptions& options,
-                                   const CurrentDirectory& currentDirectory) {
-    if (!options.position) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"--position"});
-    }
+constexpr WholeNumber position{
+    "--position", "n", {.least = 0}, "Where to put it, counting from zero"};
+
+struct AgentCollectionReorderRequest {
+    std::string path;
+    AgentCollectionKind kind = AgentCollectionKind::buildSteps;
+    std::string id;
+    /// The new place, counting from zero.
+    std::int64_t position = 0;
+    FERNLOW_WIRE_FIELDS(path, kind, id, position)
+};
+
+AgentCLIAction parseCollectionMove(CommandLine& line) {
     AgentCollectionReorderRequest request;
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    request.kind = options.requiredKind();
-    request.id = options.requiredId();
-    request.position = std::max<std::int64_t>(*options.position, 0);
+    request.position = line.require(position);
+    request.path = line.takePathOrCurrentDirectory();
+    request.kind = line.require(kind);
+    request.id = requireId(line);
     return post("/v1/collections/reorder", request);
 }
 
-AgentCLIAction parseCollectionSet(WordList& words, const CollectionOptions& options,
-                                  const CurrentDirectory& currentDirectory) {
+constexpr Operand rowChanges{{ValueKind::rowSetting, "key=value"}, false, true};
+
+struct AgentCollectionPatch {
+    std::string path;
+    AgentCollectionKind kind = AgentCollectionKind::hooks;
+    std::string id;
+    SettingValues values;
+    SettingLiterals literals;
+    FERNLOW_WIRE_FIELDS(path, kind, id, values, literals)
+};
+
+AgentCLIAction parseCollectionSet(CommandLine& line) {
     AgentCollectionPatch patch;
-    SettingChanges changes = takeChanges(words, options.values, "collections set");
+    SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
-    patch.kind = options.requiredKind();
-    patch.id = options.requiredId();
-    patch.path = currentDirectory.path();
+    patch.kind = line.require(kind);
+    patch.id = requireId(line);
+    patch.path = line.currentDirectory().path();
     return post("/v1/collections/set", patch);
 }
 
+AgentCLIAction parseCollectionSchema(CommandLine& line) {
+    line.rejectLeftoverWords();
+    return post("/v1/collections/schema", AgentCollectionSchemaRequest{line.value(onlyKind)});
+}
+
+constexpr auto commands = std::to_array<Command>({
+    {.word = "collections",
+     .summary = "Hooks, build steps, WebP presets, custom extensions",
+     .operands = {anyProject},
+     .options = {onlyKind},
+     .shared = {kind, id, type, newExtension, values, position},
+     .parse = parseCollections},
+    {.word = "collections",
+     .subcommand = "add",
+     .summary = "Make a row",
+     .operands = {anyProject},
+     .options = {required(kind), type, newExtension, values},
+     .parse = parseCollectionAdd},
+    {.word = "collections",
+     .subcommand = "remove",
+     .summary = "Delete a row",
+     .operands = {anyProject},
+     .options = {required(kind), required(id)},
+     .parse = parseCollectionRemove},
+    {.word = "collections",
+     .subcommand = "move",
+     .summary = "Put a build step elsewhere",
+     .operands = {anyProject},
+     .options = {required(kind), required(id), required(position)},
+     .parse = parseCollectionMove},
+    {.word = "collections",
+     .subcommand = "set",
+     .summary = "Change a row, wholly or not at all",
+     .operands = {rowChanges},
+     .options = {required(kind), required(id), values},
+     .parse = parseCollectionSet},
+    {.word = "collections",
+     .subcommand = "schema",
+     .summary = "What a row of each kind holds",
+     .options = {onlyKind},
+     .parse = parseCollectionSchema},
+});
+
 } // namespace
 
-AgentCLIAction parseCollections(WordList& words, const CurrentDirectory& currentDirectory) {
-    const CollectionOptions options = takeCollectionOptions(words);
-    const auto subcommand = takeSubcommand(words);
-    if (!subcommand) {
-        AgentCollectionListRequest request;
-        request.path = words.takePathOrCurrentDirectory(currentDirectory);
-        request.kind = options.optionalKind();
-        return post("/v1/collections", request);
-    }
-    if (*subcommand == "add") {
-        return parseCollectionAdd(words, options, currentDirectory);
-    }
-    if (*subcommand == "remove") {
-        return parseCollectionRemove(words, options, currentDirectory);
-    }
-    if (*subcommand == "move") {
-        return parseCollectionMove(words, options, currentDirectory);
-    }
-    if (*subcommand == "set") {
-        return parseCollectionSet(words, options, currentDirectory);
-    }
-    if (*subcommand == "schema") {
-        words.rejectLeftoverWords();
-        return post("/v1/collections/schema", AgentCollectionSchemaRequest{options.optionalKind()});
-    }
-    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"collections " + *subcommand});
+std::span<const Command> collectionCommands() {
+    return commands;
 }
 
 } // namespace fernlow

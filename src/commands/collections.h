@@ -1,11 +1,11 @@
 #pragma once
 
+#include "commands/command.h"
 #include "commands/encode.h"
-#include "commands/setting_values.h"
 
 #include <array>
-#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,61 +17,25 @@ template <>
 inline constexpr auto wireWords<AgentCollectionKind> =
     std::to_array<std::string_view>({"hooks", "buildSteps", "webpPresets", "userLanguages"});
 
-enum class AgentBuildStepType { processItems, processRemainingItems, runScript };
-template <>
-inline constexpr auto wireWords<AgentBuildStepType> =
-    std::to_array<std::string_view>({"processItems", "processRemainingItems", "runScript"});
+namespace options {
+
+inline constexpr Choice<AgentCollectionKind> kind{"--kind", "Which kind of row"};
+
+} // namespace options
 
 struct AgentCollectionListRequest {
     std::string path;
     /// Absent means every kind.
     std::optional<AgentCollectionKind> kind;
-    FERNLOW_WIRE_RECORD(AgentCollectionListRequest, path, kind)
-};
-
-struct AgentCollectionAddRequest {
-    std::string path;
-    AgentCollectionKind kind = AgentCollectionKind::hooks;
-    std::optional<AgentBuildStepType> buildStepType;
-    std::optional<std::string> fileExtension;
-    SettingValues values;
-    /// Always empty: a new row's settings are given through --values.
-    SettingLiterals literals;
-    FERNLOW_WIRE_RECORD(AgentCollectionAddRequest, path, kind, buildStepType, fileExtension, values,
-                        literals)
-};
-
-struct AgentCollectionRemoveRequest {
-    std::string path;
-    AgentCollectionKind kind = AgentCollectionKind::hooks;
-    std::string id;
-    FERNLOW_WIRE_RECORD(AgentCollectionRemoveRequest, path, kind, id)
-};
-
-struct AgentCollectionReorderRequest {
-    std::string path;
-    AgentCollectionKind kind = AgentCollectionKind::buildSteps;
-    std::string id;
-    /// The new place, counting from zero.
-    std::int64_t position = 0;
-    FERNLOW_WIRE_RECORD(AgentCollectionReorderRequest, path, kind, id, position)
-};
-
-struct AgentCollectionPatch {
-    std::string path;
-    AgentCollectionKind kind = AgentCollectionKind::hooks;
-    std::string id;
-    SettingValues values;
-    SettingLiterals literals;
-    FERNLOW_WIRE_RECORD(AgentCollectionPatch, path, kind, id, values, literals)
+    FERNLOW_WIRE_FIELDS(path, kind)
 };
 
 struct AgentCollectionSchemaRequest {
     /// Absent means every kind.
     std::optional<AgentCollectionKind> kind;
-    FERNLOW_WIRE_RECORD(AgentCollectionSchemaRequest, kind)
+    FERNLOW_WIRE_FIELDS(kind)
 };
 
-AgentCLIAction parseCollections(WordList& words, const CurrentDirectory& currentDirectory);
+std::span<const Command> collectionCommands();
 
 } // namespace fernlow

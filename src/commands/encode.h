@@ -19,18 +19,16 @@
 #include <vector>
 
 /// Makes the struct around it a request record: names its fields in wire order, once (the names and
-/// the members come from one list), and has two records compare field by field. It stands behind
-/// the members.
-#define FERNLOW_WIRE_RECORD(Record, ...)                                                           \
+/// the members come from one list). It stands behind the members.
+#define FERNLOW_WIRE_FIELDS(...)                                                                   \
     static constexpr std::string_view wireFieldNames = #__VA_ARGS__;                               \
     auto wireFields() const {                                                                      \
         return std::tie(__VA_ARGS__);                                                              \
-    }                                                                                              \
-    bool operator==(const Record&) const = default;
+    }
 
 namespace fernlow {
 
-/// A request record: a struct with FERNLOW_WIRE_RECORD.
+/// A request record: a struct with FERNLOW_WIRE_FIELDS.
 template <class Type>
 concept WireRecord = requires(const Type& record) {
     { Type::wireFieldNames } -> std::convertible_to<std::string_view>;
@@ -44,9 +42,9 @@ public:
     std::string encode(const Record& record) {
         std::string_view names = Record::wireFieldNames;
         const auto nextName = [&names] {
-            const std::string_view name = names.substr(0, names.find(','));
-            names.remove_prefix(
-                std::min(name.size() + std::string_view(", ").size(), names.size()));
+            const std::string_view name = names.substr(0, names.find_first_of(", "));
+            // The compiler writes blanks as they stand in the source.
+            names.remove_prefix(std::min(names.find_first_not_of(", ", name.size()), names.size()));
             return name;
         };
         out_ = "{";

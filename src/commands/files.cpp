@@ -1,71 +1,96 @@
 #include "commands/files.h"
 
+#include "commands/command_line.h"
 #include "commands/options.h"
 #include "commands/projects.h"
-#include "commands/subcommand.h"
+#include "commands/setting_values.h"
+#include "commands/usage_error.h"
 
 #include <algorithm>
-#include <iterator>
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace fernlow {
 
+/// What becomes of a file.
+enum class AgentOutputAction { compile, ignore, copy };
+template <>
+inline constexpr auto wireWords<AgentOutputAction> =
+    std::to_array<std::string_view>({"compile", "ignore", "copy"});
+
 namespace {
 
-/// The options that all of "files" knows; what a subcommand has no use for is dropped.
-struct FilesOptions {
+using namespace options;
+using namespace operands;
+
+constexpr Text onlyLanguage{ofLanguage.word,
+                            {ValueKind::language, "name", "every language"},
+                            "Only files of this language"};
+constexpr Choice<AgentOutputAction> onlyAction{"--action", "Only files with this output action"};
+constexpr Flag folders{"--folders", "Include folders"};
+constexpr Flag shadowItems{"--shadow-items", "Include files imported from outside the project"};
+constexpr WholeNumber offset{
+    "--offset", "n", {.least = 0, .usual = 0}, "Pass over this many rows first"};
+
+struct AgentFileListRequest {
+    std::string path;
     std::optional<std::string> language;
-    std::optional<std::string> values;
-    std::optional<std::string> action;
-    std::optional<std::string> outputFolder;
-    std::optional<std::string> outputName;
+    std::optional<AgentOutputAction> outputAction;
+    bool includeFolders = false;
+    /// Files imported from outside the project.
+    bool includeShadowItems = false;
     std::int64_t limit = 0;
     std::int64_t offset = 0;
-    bool wait = true;
-    double timeoutSeconds = 0;
-    bool folders = false;
-    bool shadowItems = false;
+    FERNLOW_WIRE_FIELDS(path, language, outputAction, includeFolders, includeShadowItems, limit,
+                        offset)
 };
 
-FilesOptions takeFilesOptions(WordList& words) {
-    FilesOptions options;
-    options.language = words.takeOptionValue("--language");
-    options.values = words.takeOptionValue("--values");
-    options.action = words.takeOptionValue("--action");
-    options.outputFolder = words.takeOptionValue("--output-folder");
-    options.outputName = words.takeOptionValue("--output-name");
-    options.limit = takePageSize(words);
-    options.offset = std::max<std::int64_t>(words.takeWholeNumber("--offset").value_or(0), 0);
-    options.wait = !words.takeFlag("--no-wait");
-    // Unlike the other timeouts this one travels as typed, whatever its size.
-    options.timeoutSeconds =
-        words.takeDecimalNumber("--timeout").value_or(static_cast<double>(defaultTimeoutSeconds));
-    options.folders = words.takeFlag("--folders");
-    options.shadowItems = words.takeFlag("--shadow-items");
-    return options;
-}
-
-AgentCLIAction parseFileList(WordList& words, const FilesOptions& options,
-                             const CurrentDirectory& currentDirectory) {
+AgentCLIAction parseFiles(CommandLine& line) {
     AgentFileListRequest request;
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    request.language = options.language;
-    request.outputAction = namedCase<AgentOutputAction>("--action", options.action);
-    request.includeFolders = options.folders;
-    request.includeShadowItems = options.shadowItems;
-    request.limit = options.limit;
-    request.offset = options.offset;
+    request.path = line.takePathOrCurrentDirectory();
+    request.language = line.value(onlyLanguage);
+    request.outputAction = line.value(onlyAction);
+    request.includeFolders = line.has(folders);
+    request.includeShadowItems = line.has(shadowItems);
+    request.limit = line.value(limit);
+    request.offset = line.value(offset);
     return post("/v1/files", request);
 }
 
+AgentCLIAction parseFileSettings(CommandLine& line) {
+    return post("/v1/files/settings", AgentPathRequest{line.takeRequiredPaths().front()});
+}
+
+constexpr Operand fileChanges{{ValueKind::fileSetting, "key=value"}, false, true};
+constexpr Choice<AgentOutputAction> setAction{onlyAction.word, "What becomes of the file"};
+constexpr Path outputFolder{
+    "--output-folder", {ValueKind::folder, "path"}, "Write the file's output into this folder"};
+constexpr Text outputName{
+    "--output-name", {ValueKind::text, "name"}, "What to call the output; needs --output-folder"};
+
+struct AgentFilePatch {
+    std::string path;
+    std::optional<AgentOutputAction> outputAction;
+    /// An absolute path.
+    std::optional<std::string> outputFolder;
+    std::optional<std::string> outputFilename;
+    SettingValues values;
+    SettingLiterals literals;
+    FERNLOW_WIRE_FIELDS(path, outputAction, outputFolder, outputFilename, values, literals)
+};
+
 /// Takes the one file from the words of "files set" and leaves its settings: a word with a "=" is a
 /// setting, so a file with one in its name cannot be named.
-std::string takeFileWord(std::vector<std::string>& words) {
+std::string takeFileWord(std::vector<std::string>& words, const Command& command) {
     const auto isSetting = [](const std::string& word) {
         return word.find('=') != std::string::npos;
     };
     const auto file = std::find_if_not(words.begin(), words.end(), isSetting);
     if (file == words.end()) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingPath{"files set"});
+        throw AgentCLIUsageError(AgentCLIUsageError::missingPath{command.name()});
     }
     const auto another = std::find_if_not(file + 1, words.end(), isSetting);
     if (another != words.end()) {
@@ -76,73 +101,113 @@ std::string takeFileWord(std::vector<std::string>& words) {
     return path;
 }
 
-AgentCLIAction parseFileSet(WordList& words, const FilesOptions& options,
-                            const CurrentDirectory& currentDirectory) {
+AgentCLIAction parseFileSet(CommandLine& line) {
     AgentFilePatch patch;
-    auto settings = words.takeRemainingWords();
-    const std::string file = takeFileWord(settings);
+    auto settings = line.takeRemainingWords();
+    const std::string file = takeFileWord(settings, line.command());
     patch.literals = parseLiteralWords(settings);
-    patch.values = decodeValuesOption(options.values);
+    patch.values = line.value(values).value_or(SettingValues());
     // A name alone changes nothing: without a folder the application has nowhere to apply it.
-    if (patch.literals.empty() && patch.values.empty() && !options.action &&
-        !options.outputFolder) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"files set"});
+    if (patch.literals.empty() && patch.values.empty() && !line.has(setAction) &&
+        !line.has(outputFolder)) {
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{line.command().name()});
     }
-    patch.path = resolvePath(file, currentDirectory);
-    patch.outputAction = namedCase<AgentOutputAction>("--action", options.action);
-    if (options.outputFolder) {
-        patch.outputFolder = resolvePath(*options.outputFolder, currentDirectory);
-    }
-    patch.outputFilename = options.outputName;
+    patch.path = resolvePath(file, line.currentDirectory());
+    patch.outputAction = line.value(setAction);
+    patch.outputFolder = line.value(outputFolder);
+    patch.outputFilename = line.value(outputName);
     return post("/v1/files/set", patch);
 }
 
-AgentCLIAction parseFileSchema(WordList& words, const FilesOptions& options,
-                               const CurrentDirectory& currentDirectory) {
+constexpr Operand anyFile{{ValueKind::file, "file"}};
+constexpr Text fileLanguage{
+    ofLanguage.word, {ValueKind::language, "name"}, "What the files of this language have"};
+
+AgentCLIAction parseFileSchema(CommandLine& line) {
     AgentFileSchemaRequest request;
-    const auto paths = words.takePaths(currentDirectory, "files schema", Paths::optional);
+    const auto paths = line.takePaths();
+    request.language = line.value(fileLanguage);
     if (!paths.empty()) {
         request.path = paths.front();
-    } else if (!options.language) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"files schema"});
+    } else if (!request.language) {
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{line.command().name()});
     }
-    request.language = options.language;
     return post("/v1/files/schema", request);
 }
 
-AgentCLIAction parseFolderSkip(WordList& words, const FilesOptions& options,
-                               const CurrentDirectory& currentDirectory,
-                               const std::string& subcommand) {
+constexpr Operand someFolders{{ValueKind::folder, "folder"}, true, true};
+// Unlike the other timeouts this one travels as typed, whatever its size.
+constexpr Decimal unboundedTimeout{
+    timeout.word, timeout.value.name, {.usual = timeout.value.range.usual}, timeout.summary};
+
+struct AgentSkipFoldersRequest {
+    std::vector<std::string> paths;
+    bool skipped = false;
+    bool wait = true;
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(paths, skipped, wait, timeoutSeconds)
+};
+
+AgentCLIAction postSkip(CommandLine& line, bool skipped) {
     AgentSkipFoldersRequest request;
-    request.paths = words.takePaths(currentDirectory, "files " + subcommand, Paths::required);
-    request.skipped = subcommand == "skip";
-    request.wait = options.wait;
-    request.timeoutSeconds = options.timeoutSeconds;
+    request.paths = line.takeRequiredPaths();
+    request.skipped = skipped;
+    request.wait = !line.has(noWait);
+    request.timeoutSeconds = line.value(unboundedTimeout);
     return post("/v1/files/skip", request);
 }
 
+AgentCLIAction parseFolderSkip(CommandLine& line) {
+    return postSkip(line, true);
+}
+
+AgentCLIAction parseFolderUnskip(CommandLine& line) {
+    return postSkip(line, false);
+}
+
+constexpr auto commands = std::to_array<Command>({
+    {.word = "files",
+     .summary = "Every file Fernlow is watching in a project",
+     .operands = {anyProject},
+     .options = {onlyLanguage, onlyAction, folders, shadowItems, limit, offset},
+     .shared = {fileLanguage, values, setAction, outputFolder, outputName, limit, offset, noWait,
+                unboundedTimeout, folders, shadowItems},
+     .parse = parseFiles},
+    {.word = "files",
+     .subcommand = "settings",
+     .summary = "One file's own settings",
+     .operands = {oneFile},
+     .parse = parseFileSettings},
+    {.word = "files",
+     .subcommand = "set",
+     .summary = "Change one file, wholly or not at all",
+     .operands = {oneFile, fileChanges},
+     .options = {setAction, outputFolder, outputName, values},
+     .parse = parseFileSet},
+    {.word = "files",
+     .subcommand = "schema",
+     .summary = "What settings a file has",
+     .operands = {anyFile},
+     .options = {fileLanguage},
+     .parse = parseFileSchema},
+    {.word = "files",
+     .subcommand = "skip",
+     .summary = "Stop indexing folders; not the same as ignoring",
+     .operands = {someFolders},
+     .options = {noWait, unboundedTimeout},
+     .parse = parseFolderSkip},
+    {.word = "files",
+     .subcommand = "unskip",
+     .summary = "Index folders again",
+     .operands = {someFolders},
+     .options = {noWait, unboundedTimeout},
+     .parse = parseFolderUnskip},
+});
+
 } // namespace
 
-AgentCLIAction parseFiles(WordList& words, const CurrentDirectory& currentDirectory) {
-    const FilesOptions options = takeFilesOptions(words);
-    const auto subcommand = takeSubcommand(words);
-    if (!subcommand) {
-        return parseFileList(words, options, currentDirectory);
-    }
-    if (*subcommand == "settings") {
-        const auto paths = words.takePaths(currentDirectory, "files settings", Paths::required);
-        return post("/v1/files/settings", AgentPathRequest{paths.front()});
-    }
-    if (*subcommand == "set") {
-        return parseFileSet(words, options, currentDirectory);
-    }
-    if (*subcommand == "skip" || *subcommand == "unskip") {
-        return parseFolderSkip(words, options, currentDirectory, *subcommand);
-    }
-    if (*subcommand == "schema") {
-        return parseFileSchema(words, options, currentDirectory);
-    }
-    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"files " + *subcommand});
+std::span<const Command> filesCommands() {
+    return commands;
 }
 
 } // namespace fernlow

@@ -1,54 +1,42 @@
 #pragma once
 
-#include "commands/usage_error.h"
-#include "commands/wire_words.h"
-#include "commands/words.h"
+#include "commands/command.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-namespace fernlow {
+/// The options that stand anywhere, and the options and operands that several families share.
+namespace fernlow::options {
 
-/// An option's value as a resolved path.
-inline std::optional<std::string> takePathOption(WordList& words, std::string_view option,
-                                                 const CurrentDirectory& currentDirectory) {
-    const auto value = words.takeOptionValue(option);
-    return value ? std::optional(resolvePath(*value, currentDirectory)) : std::nullopt;
-}
+// Each is a row of a table: the word, what its value is, and a line for a person.
 
-/// The project that --path names, or the current directory.
-inline std::string takeProjectOption(WordList& words, const CurrentDirectory& currentDirectory) {
-    auto project = takePathOption(words, "--path", currentDirectory);
-    return project ? *std::move(project) : currentDirectory.path();
-}
+inline constexpr Flag json{"--json", "Print the reply as JSON"};
+inline constexpr Text socket{"--socket", {ValueKind::file, "path"}, "Talk to another socket"};
+inline constexpr Flag noLaunch{"--no-launch", "Do not start Fernlow if it is not running"};
 
-/// The value of an option that a command cannot do without; throws `missingValue` of its name.
-inline const std::string& required(std::string_view option,
-                                   const std::optional<std::string>& value) {
-    if (!value) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{std::string(option)});
-    }
-    return *value;
-}
+inline constexpr Flag noWait{"--no-wait", "Return as soon as the work is submitted"};
+inline constexpr Decimal timeout{
+    "--timeout", "seconds", {.least = 0, .most = 86400, .usual = 600}, "How long to wait"};
+inline constexpr WholeNumber settle{"--settle",
+                                    "milliseconds",
+                                    {.least = 0, .most = 60000, .usual = 400},
+                                    "Pause before deciding that nothing is happening"};
+inline constexpr WholeNumber limit{
+    "--limit", "n", {.least = 1, .most = 5000, .usual = 500}, "At most this many rows"};
 
-/// The case that an option's value names, matched exactly; throws `notANumber` otherwise.
-template <Worded Enumeration>
-Enumeration namedCase(std::string_view option, std::string_view value) {
-    const auto named = fromWireWord<Enumeration>(value);
-    if (!named) {
-        throw AgentCLIUsageError(
-            AgentCLIUsageError::notANumber{std::string(option), std::string(value)});
-    }
-    return *named;
-}
+inline constexpr Text ofLanguage{
+    "--language", {ValueKind::language, "name", "project-wide"}, "Which language's settings"};
+inline constexpr Text ofExtension{
+    "--extension", {ValueKind::extension, "ext"}, "Which user-defined language"};
+inline constexpr Path inProject{
+    "--path", {ValueKind::project, "path", "this directory"}, "Which project"};
 
-/// The same for an option that may be missing.
-template <Worded Enumeration>
-std::optional<Enumeration> namedCase(std::string_view option,
-                                     const std::optional<std::string>& value) {
-    return value ? std::optional(namedCase<Enumeration>(option, std::string_view(*value)))
-                 : std::nullopt;
-}
+} // namespace fernlow::options
 
-} // namespace fernlow
+namespace fernlow::operands {
+
+inline constexpr Operand anyProject{{ValueKind::project, "path", "this directory"}};
+inline constexpr Operand oneFile{{ValueKind::file, "file"}, true};
+
+} // namespace fernlow::operands

@@ -1,88 +1,131 @@
 #include "commands/packages.h"
 
+#include "commands/command_line.h"
+#include "commands/encode.h"
 #include "commands/options.h"
 
-#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace fernlow {
 
+enum class AgentPackageAction { install, forceInstall, uninstall, update, prune };
+template <>
+inline constexpr auto wireWords<AgentPackageAction> =
+    std::to_array<std::string_view>({"install", "forceInstall", "uninstall", "update", "prune"});
+
+/// The lists of a package.json that hold dependencies.
+enum class AgentDependencyList { production, development, optional, bundle };
+template <>
+inline constexpr auto wireWords<AgentDependencyList> =
+    std::to_array<std::string_view>({"production", "development", "optional", "bundle"});
+
+/// Which of the preview server's addresses to open.
+enum class AgentPreviewAddress { preferred, bonjour, lan, loopback, localhost };
+template <>
+inline constexpr auto wireWords<AgentPreviewAddress> =
+    std::to_array<std::string_view>({"preferred", "bonjour", "lan", "loopback", "localhost"});
+
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = std::min(text.find_first_not_of(" \t"), text.size());
-    text.remove_prefix(first);
-    return text.substr(0, text.find_last_not_of(" \t") + 1);
+using namespace options;
+
+constexpr std::string_view projectsChoice = "the project's own npm settings";
+constexpr ChoiceList<AgentDependencyList> install{"--install", "Which lists to install from",
+                                                  projectsChoice};
+constexpr ChoiceList<AgentDependencyList> saveTo{
+    "--save-to", "Which lists to record in; empty for none", projectsChoice};
+constexpr Flag exact{"--exact", "Record the exact version"};
+constexpr Flag noExact{"--no-exact", "Record a range of versions", exact.word};
+constexpr Flag packageLock{"--package-lock", "Write package-lock.json"};
+constexpr Flag noPackageLock{"--no-package-lock", "Do not write package-lock.json",
+                             packageLock.word};
+constexpr Flag raiseLimits{"--raise-limits", "With update: allow a breaking version"};
+
+/// Whatever is absent, the application takes from the project's own npm settings.
+struct AgentPackageRequest {
+    std::string path;
+    AgentPackageAction action = AgentPackageAction::install;
+    std::vector<std::string> packages;
+    std::optional<std::vector<AgentDependencyList>> install;
+    std::optional<std::vector<AgentDependencyList>> saveTo;
+    std::optional<bool> exactVersions;
+    std::optional<bool> updatePackageLock;
+    bool raiseVersionLimits = false;
+    bool wait = true;
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(path, action, packages, install, saveTo, exactVersions, updatePackageLock,
+                        raiseVersionLimits, wait, timeoutSeconds)
+};
+
+/// The flag wins over its opposite; neither leaves the choice to the project.
+std::optional<bool> choice(const CommandLine& line, const Flag& flag, const Flag& opposite) {
+    return line.has(flag) || line.has(opposite) ? std::optional(line.has(flag)) : std::nullopt;
 }
 
-/// Comma-separated names of lists; an empty value is no list at all. A piece that names none is
-/// reported as it was typed, untrimmed.
-std::optional<std::vector<AgentDependencyList>> takeDependencyLists(WordList& words,
-                                                                    std::string_view option) {
-    const auto value = words.takeOptionValue(option);
-    if (!value) {
-        return std::nullopt;
-    }
-    std::vector<AgentDependencyList> lists;
-    for (std::size_t begin = 0; !value->empty() && begin <= value->size();) {
-        const std::size_t end = std::min(value->find(',', begin), value->size());
-        const auto piece = std::string_view(*value).substr(begin, end - begin);
-        const auto list = fromWireWord<AgentDependencyList>(trimmed(piece));
-        if (!list) {
-            throw AgentCLIUsageError(
-                AgentCLIUsageError::notANumber{std::string(option), std::string(piece)});
-        }
-        lists.push_back(*list);
-        begin = end + 1;
-    }
-    return lists;
-}
-
-/// Takes a flag and its opposite: the flag wins over the opposite, and neither leaves the choice to
-/// the project.
-std::optional<bool> takeChoice(WordList& words, std::string_view flag, std::string_view opposite) {
-    const bool chosen = words.takeFlag(flag);
-    const bool opposed = words.takeFlag(opposite);
-    return chosen || opposed ? std::optional(chosen) : std::nullopt;
-}
-
-AgentPackageAction takePackageAction(WordList& words) {
-    const auto word = words.takeFirstWord();
-    if (!word) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"packages"});
-    }
-    const auto action = fromWireWord<AgentPackageAction>(*word);
-    if (!action) {
-        throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"packages " + *word});
-    }
-    return *action;
-}
-
-} // namespace
-
-AgentCLIAction parsePackages(WordList& words, const CurrentDirectory& currentDirectory) {
+AgentCLIAction parsePackages(CommandLine& line) {
     AgentPackageRequest request;
-    request.install = takeDependencyLists(words, "--install");
-    request.saveTo = takeDependencyLists(words, "--save-to");
-    request.exactVersions = takeChoice(words, "--exact", "--no-exact");
-    request.updatePackageLock = takeChoice(words, "--package-lock", "--no-package-lock");
-    request.raiseVersionLimits = words.takeFlag("--raise-limits");
-    request.wait = !words.takeFlag("--no-wait");
-    request.timeoutSeconds = takeTimeout(words);
-    request.path = takeProjectOption(words, currentDirectory);
-    request.action = takePackageAction(words);
-    request.packages = words.takeRemainingWords();
+    request.install = line.value(install);
+    request.saveTo = line.value(saveTo);
+    request.exactVersions = choice(line, exact, noExact);
+    request.updatePackageLock = choice(line, packageLock, noPackageLock);
+    request.raiseVersionLimits = line.has(raiseLimits);
+    request.wait = !line.has(noWait);
+    request.timeoutSeconds = line.value(timeout);
+    request.path = line.pathOrCurrentDirectory(inProject);
+    request.action = line.subcommandNamed<AgentPackageAction>(line.takeRequiredWord());
+    request.packages = line.takeRemainingWords();
     return post("/v1/packages", request);
 }
 
-AgentCLIAction parsePreview(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
+constexpr Choice<AgentPreviewAddress> address{"--address",
+                                              "Which of the preview server's addresses",
+                                              wireWord(AgentPreviewAddress::preferred)};
+constexpr Text browser{"--browser",
+                       {ValueKind::text, "bundleID", "Fernlow's choice"},
+                       "Which browser, such as com.apple.Safari"};
+constexpr Text page{"--page", {ValueKind::text, "path"}, "A path below the preview root"};
+
+struct AgentPreviewRequest {
+    AgentPreviewAddress address = AgentPreviewAddress::preferred;
+    std::optional<std::string> browserBundleID;
+    /// Below the preview root.
+    std::optional<std::string> relativePath;
+    FERNLOW_WIRE_FIELDS(address, browserBundleID, relativePath)
+};
+
+AgentCLIAction parsePreview(CommandLine& line) {
     AgentPreviewRequest request;
-    const auto address = words.takeOptionValue("--address");
-    request.browserBundleID = words.takeOptionValue("--browser");
-    request.relativePath = words.takeOptionValue("--page");
-    words.rejectLeftoverWords();
-    request.address = namedCase<AgentPreviewAddress>("--address", address)
-                          .value_or(AgentPreviewAddress::preferred);
+    line.rejectLeftoverWords();
+    request.address = line.value(address).value_or(AgentPreviewAddress::preferred);
+    request.browserBundleID = line.value(browser);
+    request.relativePath = line.value(page);
     return post("/v1/preview", request);
+}
+
+constexpr Operand action{choiceOf<AgentPackageAction>("action"), true};
+constexpr Operand packageNames{{ValueKind::text, "pkg"}, false, true};
+
+constexpr auto commands = std::to_array<Command>({
+    {.word = "packages",
+     .summary = "Run one npm operation in a project",
+     .operands = {action, packageNames},
+     .options = {install, saveTo, exact, noExact, packageLock, noPackageLock, raiseLimits, noWait,
+                 timeout, inProject},
+     .parse = parsePackages},
+    {.word = "preview",
+     .summary = "Open the preview address in a browser",
+     .options = {address, browser, page},
+     .parse = parsePreview},
+});
+
+} // namespace
+
+std::span<const Command> packageCommands() {
+    return commands;
 }
 
 } // namespace fernlow

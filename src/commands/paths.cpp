@@ -71,4 +71,12 @@ std::string resolvePath(std::string_view word, const CurrentDirectory& currentDi
     return standardized(currentDirectory.path() + "/" + std::string(word));
 }
 
+bool looksLikePath(std::string_view word) {
+    if (word.starts_with('/') || word.starts_with('~') || word.starts_with('.')) {
+        return true;
+    }
+    // A "/" behind a "=" is that of a setting's value, where "set" was forgotten.
+    return word.find('/') != std::string_view::npos && word.find('=') == std::string_view::npos;
+}
+
 } // namespace fernlow

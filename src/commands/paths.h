@@ -38,4 +38,8 @@ public:
 /// components resolved by name. Nothing on disk is looked at.
 std::string resolvePath(std::string_view word, const CurrentDirectory& currentDirectory);
 
+/// Whether the word can only be meant as a path: it begins with "/", "~" or ".", or holds a "/" and
+/// no "=".
+bool looksLikePath(std::string_view word);
+
 } // namespace fernlow

@@ -1,63 +1,132 @@
 #include "commands/projects.h"
 
+#include "commands/command_line.h"
 #include "commands/options.h"
+#include "commands/usage_error.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace fernlow {
 
-AgentCLIAction parseAdd(WordList& words, const CurrentDirectory& currentDirectory) {
-    AgentAddProjectRequest request;
-    request.asFramework = words.takeFlag("--framework");
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    return post("/v1/projects/add", request);
-}
-
-AgentCLIAction parseRemove(WordList& words, const CurrentDirectory& currentDirectory) {
-    const auto paths = words.takePaths(currentDirectory, "remove", Paths::required);
-    return post("/v1/projects/remove", AgentPathRequest{paths.front()});
-}
-
-AgentCLIAction parseEnable(WordList& words, const CurrentDirectory& currentDirectory) {
-    return post("/v1/projects/enabled",
-                AgentEnabledRequest{words.takePathOrCurrentDirectory(currentDirectory), true});
-}
-
-AgentCLIAction parseDisable(WordList& words, const CurrentDirectory& currentDirectory) {
-    return post("/v1/projects/enabled",
-                AgentEnabledRequest{words.takePathOrCurrentDirectory(currentDirectory), false});
-}
-
-AgentCLIAction parseWatch(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
-    const auto word = words.takeFirstWord();
-    if (!word) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{"watch"});
-    }
-    words.rejectLeftoverWords();
-    if (*word != "pause" && *word != "resume") {
-        throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"watch " + *word});
-    }
-    return post("/v1/watching", AgentWatchingRequest{*word == "pause"});
-}
+/// What "watch" does to the watching.
+enum class WatchChange { pause, resume };
+template <>
+inline constexpr auto wireWords<WatchChange> = std::to_array<std::string_view>({"pause", "resume"});
 
 namespace {
 
-/// The group that --name or else the next word names; neither may be empty.
-std::string takeGroupName(WordList& words, const std::optional<std::string>& nameOption,
-                          const std::string& command) {
-    if (nameOption && !nameOption->empty()) {
-        return *nameOption;
-    }
-    auto name = words.takeFirstWord();
-    if (!name || name->empty()) {
-        throw AgentCLIUsageError(
-            AgentCLIUsageError::missingValue{"a group name for \"" + command + "\""});
-    }
-    return *std::move(name);
+using namespace options;
+using namespace operands;
+
+constexpr Operand newProject{{ValueKind::folder, "path", "this directory"}};
+constexpr Flag framework{"--framework", "Add it as a framework"};
+
+struct AgentAddProjectRequest {
+    std::string path;
+    bool asFramework = false;
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(path, asFramework, timeoutSeconds)
+};
+
+AgentCLIAction parseAdd(CommandLine& line) {
+    AgentAddProjectRequest request;
+    request.asFramework = line.has(framework);
+    request.path = line.takePathOrCurrentDirectory();
+    return post("/v1/projects/add", request);
 }
 
-AgentCLIAction parseGroupRename(WordList& words, const std::optional<std::string>& nameOption) {
+constexpr Operand oneProject{{ValueKind::project, "path"}, true};
+
+AgentCLIAction parseRemove(CommandLine& line) {
+    return post("/v1/projects/remove", AgentPathRequest{line.takeRequiredPaths().front()});
+}
+
+struct AgentEnabledRequest {
+    std::string path;
+    bool enabled = false;
+    FERNLOW_WIRE_FIELDS(path, enabled)
+};
+
+AgentCLIAction parseEnable(CommandLine& line) {
+    return post("/v1/projects/enabled",
+                AgentEnabledRequest{line.takePathOrCurrentDirectory(), true});
+}
+
+AgentCLIAction parseDisable(CommandLine& line) {
+    return post("/v1/projects/enabled",
+                AgentEnabledRequest{line.takePathOrCurrentDirectory(), false});
+}
+
+constexpr Operand watchChange{choiceOf<WatchChange>("change"), true};
+
+struct AgentWatchingRequest {
+    bool paused = false;
+    FERNLOW_WIRE_FIELDS(paused)
+};
+
+AgentCLIAction parseWatch(CommandLine& line) {
+    const std::string word = line.takeRequiredWord();
+    line.rejectLeftoverWords();
+    const auto change = line.subcommandNamed<WatchChange>(word);
+    return post("/v1/watching", AgentWatchingRequest{change == WatchChange::pause});
+}
+
+constexpr Text newGroup{"--name", {ValueKind::text, "text"}, "The group, instead of the word"};
+constexpr Text oldGroup{newGroup.word, {ValueKind::group, "text"}, newGroup.summary};
+constexpr Operand newGroupName{{ValueKind::text, "name"}, true, false, &newGroup};
+constexpr Operand oldGroupName{{ValueKind::group, "name"}, true, false, &oldGroup};
+constexpr Operand otherGroupName{{ValueKind::text, "to"}, true};
+
+AgentCLIAction parseGroupList(CommandLine& line) {
+    line.rejectLeftoverWords();
+    return {AgentCLIAction::get{"/v1/groups"}};
+}
+
+/// The group that --name or else the next word names; neither may be empty. Words left over behind
+/// a group's name are ignored, unlike everywhere else.
+std::string takeGroupName(CommandLine& line) {
+    auto name = line.value(oldGroup).value_or("");
+    if (name.empty()) {
+        name = line.takeFirstWord().value_or("");
+    }
+    if (name.empty()) {
+        throw AgentCLIUsageError(
+            AgentCLIUsageError::missingValue{"a group name for \"" + line.command().name() + "\""});
+    }
+    return name;
+}
+
+struct AgentGroupAddRequest {
+    std::string name;
+    FERNLOW_WIRE_FIELDS(name)
+};
+
+AgentCLIAction parseGroupAdd(CommandLine& line) {
+    return post("/v1/groups/add", AgentGroupAddRequest{takeGroupName(line)});
+}
+
+struct AgentGroupRemoveRequest {
+    std::string name;
+    FERNLOW_WIRE_FIELDS(name)
+};
+
+AgentCLIAction parseGroupRemove(CommandLine& line) {
+    return post("/v1/groups/remove", AgentGroupRemoveRequest{takeGroupName(line)});
+}
+
+struct AgentGroupRenameRequest {
+    std::string name;
+    std::string newName;
+    FERNLOW_WIRE_FIELDS(name, newName)
+};
+
+AgentCLIAction parseGroupRename(CommandLine& line) {
     AgentGroupRenameRequest request;
-    request.name = takeGroupName(words, nameOption, "groups rename");
-    request.newName = words.takeFirstWord().value_or("");
+    request.name = takeGroupName(line);
+    request.newName = line.takeFirstWord().value_or("");
     if (request.newName.empty()) {
         throw AgentCLIUsageError(
             AgentCLIUsageError::missingValue{"a new name for \"" + request.name + "\""});
@@ -65,42 +134,102 @@ AgentCLIAction parseGroupRename(WordList& words, const std::optional<std::string
     return post("/v1/groups/rename", request);
 }
 
-} // namespace
+constexpr Text toGroup{
+    "--group", {ValueKind::group, "name", "the permanent Projects group"}, "Which group"};
 
-AgentCLIAction parseGroups(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
-    const auto nameOption = words.takeOptionValue("--name");
-    const auto subcommand = words.takeFirstWord();
-    if (!subcommand) {
-        words.rejectLeftoverWords();
-        return {AgentCLIAction::get{"/v1/groups"}};
-    }
-    // Unlike everywhere else, words left over behind a group's name are ignored.
-    if (*subcommand == "add") {
-        return post("/v1/groups/add",
-                    AgentGroupAddRequest{takeGroupName(words, nameOption, "groups add")});
-    }
-    if (*subcommand == "remove") {
-        return post("/v1/groups/remove",
-                    AgentGroupRemoveRequest{takeGroupName(words, nameOption, "groups remove")});
-    }
-    if (*subcommand == "rename") {
-        return parseGroupRename(words, nameOption);
-    }
-    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"groups " + *subcommand});
-}
+struct AgentProjectMoveRequest {
+    std::string path;
+    /// Absent means the permanent Projects group.
+    std::optional<std::string> group;
+    FERNLOW_WIRE_FIELDS(path, group)
+};
 
-AgentCLIAction parseMove(WordList& words, const CurrentDirectory& currentDirectory) {
+AgentCLIAction parseMove(CommandLine& line) {
     AgentProjectMoveRequest request;
-    request.group = words.takeOptionValue("--group");
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
+    request.group = line.value(toGroup);
+    request.path = line.takePathOrCurrentDirectory();
     return post("/v1/projects/move", request);
 }
 
-AgentCLIAction parseRename(WordList& words, const CurrentDirectory& currentDirectory) {
+constexpr Text projectName{newGroup.word, {ValueKind::text, "text"}, "What to call the project"};
+
+struct AgentProjectRenameRequest {
+    std::string path;
+    std::string name;
+    FERNLOW_WIRE_FIELDS(path, name)
+};
+
+AgentCLIAction parseRename(CommandLine& line) {
     AgentProjectRenameRequest request;
-    request.name = required("--name", words.takeOptionValue("--name"));
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
+    request.name = line.require(projectName);
+    request.path = line.takePathOrCurrentDirectory();
     return post("/v1/projects/rename", request);
+}
+
+constexpr auto commands = std::to_array<Command>({
+    {.word = "add",
+     .summary = "Add a folder as a project",
+     .operands = {newProject},
+     .options = {framework},
+     .parse = parseAdd},
+    {.word = "remove",
+     .summary = "Remove a project",
+     .operands = {oneProject},
+     .parse = parseRemove},
+    {.word = "enable",
+     .summary = "Switch a project on, and refresh it",
+     .operands = {anyProject},
+     .parse = parseEnable},
+    {.word = "disable",
+     .summary = "Switch a project off; Fernlow stops watching it",
+     .operands = {anyProject},
+     .parse = parseDisable},
+    {.word = "watch",
+     .summary = "Stop or resume watching every project",
+     .operands = {watchChange},
+     .parse = parseWatch},
+
+    {.word = "groups",
+     .summary = "Every sidebar group, and what is in each",
+     .shared = {oldGroup},
+     .parse = parseGroupList},
+    {.word = "groups",
+     .subcommand = "add",
+     .summary = "Make a group",
+     .operands = {newGroupName},
+     .options = {newGroup},
+     .ignoresOtherWords = true,
+     .parse = parseGroupAdd},
+    {.word = "groups",
+     .subcommand = "remove",
+     .summary = "Delete a group; its projects go back to Projects",
+     .operands = {oldGroupName},
+     .options = {oldGroup},
+     .ignoresOtherWords = true,
+     .parse = parseGroupRemove},
+    {.word = "groups",
+     .subcommand = "rename",
+     .summary = "Rename a group",
+     .operands = {oldGroupName, otherGroupName},
+     .options = {oldGroup},
+     .ignoresOtherWords = true,
+     .parse = parseGroupRename},
+    {.word = "move",
+     .summary = "Move a project into a group",
+     .operands = {anyProject},
+     .options = {toGroup},
+     .parse = parseMove},
+    {.word = "rename",
+     .summary = "Change what Fernlow calls a project, not the folder",
+     .operands = {anyProject},
+     .options = {required(projectName)},
+     .parse = parseRename},
+});
+
+} // namespace
+
+std::span<const Command> projectCommands() {
+    return commands;
 }
 
 } // namespace fernlow

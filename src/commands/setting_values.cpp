@@ -71,24 +71,20 @@ SettingLiterals parseLiteralWords(const std::vector<std::string>& words) {
     return literals;
 }
 
-SettingValues decodeValuesOption(const std::optional<std::string>& text) {
-    if (!text) {
-        return {};
-    }
-    auto values = decodeSettingValues(*text);
+SettingValues SettingsObject::read(const std::string& text) const {
+    auto values = decodeSettingValues(text);
     if (!values) {
-        throw AgentCLIUsageError(AgentCLIUsageError::notANumber{"--values", *text});
+        throw AgentCLIUsageError(AgentCLIUsageError::notANumber{std::string(word), text});
     }
     return *std::move(values);
 }
 
-SettingChanges takeChanges(WordList& words, const std::optional<std::string>& values,
-                           const char* command) {
+SettingChanges takeChanges(CommandLine& line) {
     SettingChanges changes;
-    changes.literals = parseLiteralWords(words.takeRemainingWords());
-    changes.values = decodeValuesOption(values);
+    changes.literals = parseLiteralWords(line.takeRemainingWords());
+    changes.values = line.value(options::values).value_or(SettingValues());
     if (changes.literals.empty() && changes.values.empty()) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{command});
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{line.command().name()});
     }
     return changes;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "commands/words.h"
+#include "commands/command_line.h"
 
 #include <cstdint>
 #include <map>
@@ -15,32 +15,23 @@ namespace fernlow {
 struct AgentSettingValue {
     struct boolean {
         bool value = false;
-        bool operator==(const boolean&) const = default;
     };
     struct integer {
         std::int64_t value = 0;
-        bool operator==(const integer&) const = default;
     };
     struct decimal {
         double value = 0;
-        bool operator==(const decimal&) const = default;
     };
     struct text {
         std::string value;
-        bool operator==(const text&) const = default;
     };
     struct list {
         std::vector<std::string> value;
-        bool operator==(const list&) const = default;
     };
     /// JSON's null.
-    struct absent {
-        bool operator==(const absent&) const = default;
-    };
+    struct absent {};
 
     std::variant<boolean, integer, decimal, text, list, absent> kind;
-
-    bool operator==(const AgentSettingValue&) const = default;
 };
 
 using SettingValues = std::map<std::string, AgentSettingValue>;
@@ -59,13 +50,24 @@ struct SettingChanges {
 /// `unexpectedArgument` of the first word without "=" or without a key.
 SettingLiterals parseLiteralWords(const std::vector<std::string>& words);
 
-/// Reads the value of --values: a JSON object whose members are booleans, numbers, texts, lists of
-/// texts or null. Not given, it is an empty map. Throws `notANumber` of the whole text.
-SettingValues decodeValuesOption(const std::optional<std::string>& text);
+/// A JSON object whose members are booleans, numbers, texts, lists of texts or null. Reading throws
+/// `notANumber` of the whole text.
+struct SettingsObject : Option {
+    using Value = SettingValues;
+    constexpr SettingsObject(std::string_view name, std::string_view meaning)
+        : Option{name, {ValueKind::json, "json"}, meaning, {}} {}
+    [[nodiscard]] SettingValues read(const std::string& text) const;
+};
+
+namespace options {
+
+inline constexpr SettingsObject values{"--values",
+                                       "Settings as a JSON object, for lists or explicit types"};
+
+} // namespace options
 
 /// All the words left and --values together; throws `missingValue` of the command when they change
 /// nothing.
-SettingChanges takeChanges(WordList& words, const std::optional<std::string>& values,
-                           const char* command);
+SettingChanges takeChanges(CommandLine& line);
 
 } // namespace fernlow

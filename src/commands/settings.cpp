@@ -1,99 +1,151 @@
 #include "commands/settings.h"
 
+#include "commands/command_line.h"
 #include "commands/options.h"
 #include "commands/projects.h"
-#include "commands/subcommand.h"
+#include "commands/setting_values.h"
+
+#include <array>
+#include <utility>
 
 namespace fernlow {
 
 namespace {
 
-/// The options that all of "settings" knows; what a subcommand has no use for is dropped.
-struct SettingsOptions {
+using namespace options;
+using namespace operands;
+
+AgentCLIAction parseSettings(CommandLine& line) {
+    return post("/v1/settings", AgentPathRequest{line.takePathOrCurrentDirectory()});
+}
+
+constexpr Operand projectChanges{{ValueKind::setting, "key=value"}, false, true};
+
+struct AgentSettingsPatch {
+    std::string path;
+    /// Absent means the project-wide settings.
     std::optional<std::string> language;
+    /// Names a user-defined language.
     std::optional<std::string> fileExtension;
-    std::optional<std::string> values;
+    /// A row of a list that the application ships. No option of the command line names one.
+    std::optional<std::string> group;
+    std::optional<std::string> row;
+    SettingValues values;
+    SettingLiterals literals;
+    FERNLOW_WIRE_FIELDS(path, language, fileExtension, group, row, values, literals)
 };
 
-AgentCLIAction parseSettingsSet(WordList& words, const SettingsOptions& options,
-                                const CurrentDirectory& currentDirectory) {
+AgentCLIAction parseSettingsSet(CommandLine& line) {
     AgentSettingsPatch patch;
-    patch.path = takeProjectOption(words, currentDirectory);
-    patch.language = options.language;
-    patch.fileExtension = options.fileExtension;
-    SettingChanges changes = takeChanges(words, options.values, "settings set");
+    patch.path = line.pathOrCurrentDirectory(inProject);
+    patch.language = line.value(ofLanguage);
+    patch.fileExtension = line.value(ofExtension);
+    SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
     return post("/v1/settings/set", patch);
 }
 
-AgentCLIAction parseSettingsSchema(WordList& words, const SettingsOptions& options,
-                                   const CurrentDirectory& currentDirectory) {
+AgentCLIAction parseSettingsSchema(CommandLine& line) {
     AgentSettingsSchemaRequest request;
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    request.language = options.language;
+    request.path = line.takePathOrCurrentDirectory();
+    request.language = line.value(ofLanguage);
     return post("/v1/settings/schema", request);
 }
 
-AgentCLIAction parseApplyOutputPaths(WordList& words, const SettingsOptions& options,
-                                     const CurrentDirectory& currentDirectory) {
+constexpr Text theLanguage{
+    ofLanguage.word, {ValueKind::language, "name"}, "Which language's output paths"};
+
+struct AgentApplyOutputPathsRequest {
+    std::string path;
+    std::string language;
+    std::optional<std::string> fileExtension;
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(path, language, fileExtension, timeoutSeconds)
+};
+
+AgentCLIAction parseApplyOutputPaths(CommandLine& line) {
     AgentApplyOutputPathsRequest request;
-    request.language = required("--language", options.language);
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
-    request.fileExtension = options.fileExtension;
+    request.language = line.require(theLanguage);
+    request.path = line.takePathOrCurrentDirectory();
+    request.fileExtension = line.value(ofExtension);
     return post("/v1/settings/apply-output-paths", request);
 }
 
-AgentCLIAction parseDefaultsSet(WordList& words, const std::optional<std::string>& language,
-                                const std::optional<std::string>& values) {
+AgentCLIAction parseDefaults(CommandLine& line) {
+    line.rejectLeftoverWords();
+    return {AgentCLIAction::get{"/v1/defaults"}};
+}
+
+constexpr Operand defaultChanges{{ValueKind::defaultSetting, "key=value"}, false, true};
+
+struct AgentDefaultsPatch {
+    std::optional<std::string> language;
+    SettingValues values;
+    SettingLiterals literals;
+    FERNLOW_WIRE_FIELDS(language, values, literals)
+};
+
+AgentCLIAction parseDefaultsSet(CommandLine& line) {
     AgentDefaultsPatch patch;
-    patch.language = language;
-    SettingChanges changes = takeChanges(words, values, "defaults set");
+    patch.language = line.value(ofLanguage);
+    SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
     return post("/v1/defaults/set", patch);
 }
 
-} // namespace
-
-AgentCLIAction parseSettings(WordList& words, const CurrentDirectory& currentDirectory) {
-    SettingsOptions options;
-    options.language = words.takeOptionValue("--language");
-    options.fileExtension = words.takeOptionValue("--extension");
-    options.values = words.takeOptionValue("--values");
-    const auto subcommand = takeSubcommand(words);
-    if (!subcommand) {
-        return post("/v1/settings",
-                    AgentPathRequest{words.takePathOrCurrentDirectory(currentDirectory)});
-    }
-    if (*subcommand == "set") {
-        return parseSettingsSet(words, options, currentDirectory);
-    }
-    if (*subcommand == "schema") {
-        return parseSettingsSchema(words, options, currentDirectory);
-    }
-    if (*subcommand == "apply-output-paths") {
-        return parseApplyOutputPaths(words, options, currentDirectory);
-    }
-    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"settings " + *subcommand});
+AgentCLIAction parseDefaultsSchema(CommandLine& line) {
+    line.rejectLeftoverWords();
+    return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{line.value(ofLanguage)});
 }
 
-AgentCLIAction parseDefaults(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
-    const auto language = words.takeOptionValue("--language");
-    const auto values = words.takeOptionValue("--values");
-    const auto subcommand = words.takeFirstWord();
-    if (!subcommand) {
-        words.rejectLeftoverWords();
-        return {AgentCLIAction::get{"/v1/defaults"}};
-    }
-    if (*subcommand == "set") {
-        return parseDefaultsSet(words, language, values);
-    }
-    if (*subcommand == "schema") {
-        words.rejectLeftoverWords();
-        return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{language});
-    }
-    throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{"defaults " + *subcommand});
+constexpr auto commands = std::to_array<Command>({
+    {.word = "settings",
+     .summary = "Every setting a project holds",
+     .operands = {anyProject},
+     .shared = {ofLanguage, ofExtension, values},
+     .parse = parseSettings},
+    {.word = "settings",
+     .subcommand = "set",
+     .summary = "Change settings, wholly or not at all",
+     .operands = {projectChanges},
+     .options = {ofLanguage, ofExtension, inProject, values},
+     .parse = parseSettingsSet},
+    {.word = "settings",
+     .subcommand = "schema",
+     .summary = "What settings exist, and what changing each one does",
+     .operands = {anyProject},
+     .options = {ofLanguage},
+     .parse = parseSettingsSchema},
+    {.word = "settings",
+     .subcommand = "apply-output-paths",
+     .summary = "Recalculate the output paths of existing files",
+     .operands = {anyProject},
+     .options = {required(theLanguage), ofExtension},
+     .parse = parseApplyOutputPaths},
+
+    {.word = "defaults",
+     .summary = "The settings a project added later will start with",
+     .shared = {ofLanguage, values},
+     .parse = parseDefaults},
+    {.word = "defaults",
+     .subcommand = "set",
+     .summary = "Change the defaults, wholly or not at all",
+     .operands = {defaultChanges},
+     .options = {ofLanguage, values},
+     .parse = parseDefaultsSet},
+    {.word = "defaults",
+     .subcommand = "schema",
+     .summary = "Which of those settings exist",
+     .options = {ofLanguage},
+     .parse = parseDefaultsSchema},
+});
+
+} // namespace
+
+std::span<const Command> settingsCommands() {
+    return commands;
 }
 
 } // namespace fernlow

@@ -1,7 +1,6 @@
 #include "commands/usage_error.h"
 
 #include <string_view>
-#include <utility>
 
 namespace fernlow {
 
@@ -40,7 +39,6 @@ struct Message {
 
 } // namespace
 
-AgentCLIUsageError::AgentCLIUsageError(Kind kind)
-    : kind_(std::move(kind)), message_(std::visit(Message(), kind_)) {}
+AgentCLIUsageError::AgentCLIUsageError(const Kind& kind) : message_(std::visit(Message(), kind)) {}
 
 } // namespace fernlow

@@ -1,40 +1,19 @@
 #include "commands/words.h"
 
-#include "bytes/number.h"
 #include "commands/usage_error.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace fernlow {
 
-namespace {
-
-std::optional<std::int64_t> readWholeNumber(const std::string& text) {
-    return number::readInteger(text);
-}
-
-std::optional<std::uint64_t> readCursor(const std::string& text) {
-    const auto cursor = number::readInteger(text);
-    return cursor && *cursor >= 0 ? std::optional(static_cast<std::uint64_t>(*cursor))
-                                  : std::nullopt;
-}
-
-std::optional<double> readDecimalNumber(const std::string& text) {
-    // strtod skips leading blanks and reads hexadecimal and "nan(...)"; none of them is a decimal
-    // number here. No locale is ever set in this process, so the point is a point.
-    if (text.empty() || text.find_first_of(" \t\n\v\f\rxX(") != std::string::npos) {
+std::optional<std::string> WordList::takeNextWord() {
+    if (words_.empty()) {
         return std::nullopt;
     }
-    char* end = nullptr;
-    const double number = std::strtod(text.c_str(), &end);
-    if (end != text.c_str() + text.size()) {
-        return std::nullopt;
-    }
-    return number;
+    std::string word = std::move(words_.front());
+    words_.erase(words_.begin());
+    return word;
 }
-
-} // namespace
 
 bool WordList::takeFlag(std::string_view flag) {
     const auto found = std::find(words_.begin(), words_.end(), flag);
@@ -55,32 +34,6 @@ std::optional<std::string> WordList::takeOptionValue(std::string_view option) {
     return value;
 }
 
-template <class Number>
-std::optional<Number> WordList::takeNumber(std::string_view option,
-                                           std::optional<Number> (*read)(const std::string& text)) {
-    const auto text = takeOptionValue(option);
-    if (!text) {
-        return std::nullopt;
-    }
-    const auto number = read(*text);
-    if (!number) {
-        throw AgentCLIUsageError(AgentCLIUsageError::notANumber{std::string(option), *text});
-    }
-    return number;
-}
-
-std::optional<std::int64_t> WordList::takeWholeNumber(std::string_view option) {
-    return takeNumber(option, readWholeNumber);
-}
-
-std::optional<std::uint64_t> WordList::takeCursor(std::string_view option) {
-    return takeNumber(option, readCursor);
-}
-
-std::optional<double> WordList::takeDecimalNumber(std::string_view option) {
-    return takeNumber(option, readDecimalNumber);
-}
-
 std::optional<std::string> WordList::takeFirstWord() {
     const auto found = std::find_if(words_.begin(), words_.end(),
                                     [](const std::string& word) { return !word.starts_with('-'); });
@@ -93,25 +46,12 @@ std::optional<std::string> WordList::takeFirstWord() {
 }
 
 std::vector<std::string> WordList::takeRemainingWords() {
-    rejectUnknownOptions();
+    for (const std::string& word : words_) {
+        if (word.starts_with("--")) {
+            throw AgentCLIUsageError(AgentCLIUsageError::unknownOption{word});
+        }
+    }
     return std::exchange(words_, {});
-}
-
-std::vector<std::string> WordList::takePaths(const CurrentDirectory& currentDirectory,
-                                             std::string_view description, Paths need) {
-    std::vector<std::string> paths = takeRemainingWords();
-    for (std::string& path : paths) {
-        path = resolvePath(path, currentDirectory);
-    }
-    if (paths.empty() && need == Paths::required) {
-        throw AgentCLIUsageError(AgentCLIUsageError::missingPath{std::string(description)});
-    }
-    return paths;
-}
-
-std::string WordList::takePathOrCurrentDirectory(const CurrentDirectory& currentDirectory) {
-    const auto paths = takeRemainingWords();
-    return paths.empty() ? currentDirectory.path() : resolvePath(paths.front(), currentDirectory);
 }
 
 void WordList::rejectLeftoverWords() const {
@@ -121,14 +61,6 @@ void WordList::rejectLeftoverWords() const {
     const std::string& word = words_.front();
     throw word.starts_with('-') ? AgentCLIUsageError(AgentCLIUsageError::unknownOption{word})
                                 : AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{word});
-}
-
-void WordList::rejectUnknownOptions() const {
-    for (const std::string& word : words_) {
-        if (word.starts_with("--")) {
-            throw AgentCLIUsageError(AgentCLIUsageError::unknownOption{word});
-        }
-    }
 }
 
 } // namespace fernlow

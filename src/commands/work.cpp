@@ -1,87 +1,225 @@
 #include "commands/work.h"
 
+#include "commands/command_line.h"
+#include "commands/encode.h"
 #include "commands/options.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace fernlow {
 
-AgentCLIAction parseProcess(WordList& words, const CurrentDirectory& currentDirectory) {
+enum class AgentProcessMode {
+    /// As though the files had just been saved: whatever depends on them is rebuilt too.
+    asIfSaved,
+    /// Precisely the named files.
+    exactly,
+};
+template <>
+inline constexpr auto wireWords<AgentProcessMode> =
+    std::to_array<std::string_view>({"asIfSaved", "exactly"});
+
+/// In ascending order: as a minimum, a case stands for itself and every later one.
+enum class AgentLogSeverity { success, warning, error };
+template <>
+inline constexpr auto wireWords<AgentLogSeverity> =
+    std::to_array<std::string_view>({"success", "warning", "error"});
+
+namespace {
+
+using namespace options;
+using namespace operands;
+
+constexpr Flag exactly{"--exactly", "Precisely these files; rarely right"};
+
+struct AgentProcessRequest {
+    std::vector<std::string> paths;
+    AgentProcessMode mode = AgentProcessMode::asIfSaved;
+    bool wait = true;
+    std::int64_t settleMilliseconds = settle.usual();
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(paths, mode, wait, settleMilliseconds, timeoutSeconds)
+};
+
+AgentCLIAction parseProcess(CommandLine& line) {
     AgentProcessRequest request;
-    request.mode =
-        words.takeFlag("--exactly") ? AgentProcessMode::exactly : AgentProcessMode::asIfSaved;
-    request.wait = !words.takeFlag("--no-wait");
-    request.settleMilliseconds = takeSettle(words);
-    request.timeoutSeconds = takeTimeout(words);
-    request.paths = words.takePaths(currentDirectory, "process", Paths::required);
+    request.mode = line.has(exactly) ? AgentProcessMode::exactly : AgentProcessMode::asIfSaved;
+    request.wait = !line.has(noWait);
+    request.settleMilliseconds = line.value(settle);
+    request.timeoutSeconds = line.value(timeout);
+    request.paths = line.takeRequiredPaths();
     return post("/v1/process", request);
 }
 
-AgentCLIAction parseWait(WordList& words, const CurrentDirectory& currentDirectory) {
+constexpr Path onlyProject{
+    "--project", {ValueKind::project, "path", "every project"}, "Only this project"};
+constexpr Cursor since{"--since", "Only what happened after this log cursor"};
+
+struct AgentWaitRequest {
+    std::optional<std::string> projectPath;
+    std::optional<std::uint64_t> since;
+    std::int64_t settleMilliseconds = settle.usual();
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(projectPath, since, settleMilliseconds, timeoutSeconds)
+};
+
+AgentCLIAction parseWait(CommandLine& line) {
     AgentWaitRequest request;
-    request.projectPath = takePathOption(words, "--project", currentDirectory);
-    request.since = words.takeCursor("--since");
-    request.settleMilliseconds = takeSettle(words);
-    request.timeoutSeconds = takeTimeout(words);
-    words.rejectLeftoverWords();
+    request.projectPath = line.value(onlyProject);
+    request.since = line.value(since);
+    request.settleMilliseconds = line.value(settle);
+    request.timeoutSeconds = line.value(timeout);
+    line.rejectLeftoverWords();
     return post("/v1/wait", request);
 }
 
-AgentCLIAction parseLog(WordList& words, const CurrentDirectory& /*currentDirectory*/) {
+constexpr Cursor logSince{since.word, since.summary, "0, the oldest entries"};
+// The log is also asked about projects that are gone, so the path is matched as it was typed.
+constexpr Text projectAsTyped{onlyProject.word, onlyProject.value, onlyProject.summary};
+constexpr Flag errorsOnly{"--errors-only", "Only errors"};
+
+struct AgentLogQuery {
+    std::uint64_t since = 0;
+    std::int64_t limit = 0;
+    std::optional<std::string> projectPath;
+    std::optional<AgentLogSeverity> minimumSeverity;
+    FERNLOW_WIRE_FIELDS(since, limit, projectPath, minimumSeverity)
+};
+
+AgentCLIAction parseLog(CommandLine& line) {
     AgentLogQuery query;
-    query.since = words.takeCursor("--since").value_or(0);
-    query.limit = takePageSize(words);
-    // The log is also asked about projects that are gone, so the path is matched as it was typed.
-    query.projectPath = words.takeOptionValue("--project");
-    if (words.takeFlag("--errors-only")) {
+    query.since = line.value(logSince).value_or(0);
+    query.limit = line.value(limit);
+    query.projectPath = line.value(projectAsTyped);
+    if (line.has(errorsOnly)) {
         query.minimumSeverity = AgentLogSeverity::error;
     }
-    words.rejectLeftoverWords();
+    line.rejectLeftoverWords();
     return post("/v1/log", query);
 }
 
-AgentCLIAction parseBuild(WordList& words, const CurrentDirectory& currentDirectory) {
+constexpr Flag clean{"--clean", "Empty the Build Folder first, this once"};
+
+struct AgentBuildRequest {
+    std::string path;
+    /// Absent leaves the project's own setting in force.
+    std::optional<bool> clean;
+    bool wait = true;
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(path, clean, wait, timeoutSeconds)
+};
+
+AgentCLIAction parseBuild(CommandLine& line) {
     AgentBuildRequest request;
-    if (words.takeFlag("--clean")) {
+    if (line.has(clean)) {
         request.clean = true;
     }
-    request.wait = !words.takeFlag("--no-wait");
-    request.timeoutSeconds = takeTimeout(words);
-    request.path = words.takePathOrCurrentDirectory(currentDirectory);
+    request.wait = !line.has(noWait);
+    request.timeoutSeconds = line.value(timeout);
+    request.path = line.takePathOrCurrentDirectory();
     return post("/v1/build", request);
 }
 
-AgentCLIAction parseRefresh(WordList& words, const CurrentDirectory& currentDirectory) {
+constexpr Flag everyProject{"--all", "Every project"};
+
+struct AgentRefreshRequest {
+    /// Absent means every project.
+    std::optional<std::string> path;
+    bool wait = true;
+    std::int64_t settleMilliseconds = settle.usual();
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(path, wait, settleMilliseconds, timeoutSeconds)
+};
+
+AgentCLIAction parseRefresh(CommandLine& line) {
     AgentRefreshRequest request;
-    const bool everyProject = words.takeFlag("--all");
-    request.wait = !words.takeFlag("--no-wait");
-    request.timeoutSeconds = takeTimeout(words);
-    if (everyProject) {
+    request.wait = !line.has(noWait);
+    request.timeoutSeconds = line.value(timeout);
+    if (line.has(everyProject)) {
         // Paths are ignored then, but unknown options are still refused.
-        words.takeRemainingWords();
+        line.takeRemainingWords();
     } else {
-        request.path = words.takePathOrCurrentDirectory(currentDirectory);
+        request.path = line.takePathOrCurrentDirectory();
     }
     return post("/v1/refresh", request);
 }
 
-namespace {
+struct AgentOptimizeRequest {
+    std::vector<std::string> paths;
+    bool wait = true;
+    std::int64_t settleMilliseconds = settle.usual();
+    double timeoutSeconds = timeout.usual();
+    FERNLOW_WIRE_FIELDS(paths, wait, settleMilliseconds, timeoutSeconds)
+};
 
-AgentOptimizeRequest takeFileWork(WordList& words, const CurrentDirectory& currentDirectory,
-                                  std::string_view command) {
+/// The same four fields, for "check".
+using AgentSyntaxCheckRequest = AgentOptimizeRequest;
+
+AgentOptimizeRequest takeFileWork(CommandLine& line) {
     AgentOptimizeRequest request;
-    request.wait = !words.takeFlag("--no-wait");
-    request.timeoutSeconds = takeTimeout(words);
-    request.paths = words.takePaths(currentDirectory, command, Paths::required);
+    request.wait = !line.has(noWait);
+    request.timeoutSeconds = line.value(timeout);
+    request.paths = line.takeRequiredPaths();
     return request;
 }
 
-} // namespace
-
-AgentCLIAction parseOptimize(WordList& words, const CurrentDirectory& currentDirectory) {
-    return post("/v1/optimize", takeFileWork(words, currentDirectory, "optimize"));
+AgentCLIAction parseOptimize(CommandLine& line) {
+    return post("/v1/optimize", takeFileWork(line));
 }
 
-AgentCLIAction parseCheck(WordList& words, const CurrentDirectory& currentDirectory) {
-    return post("/v1/check", takeFileWork(words, currentDirectory, "check"));
+AgentCLIAction parseCheck(CommandLine& line) {
+    const AgentSyntaxCheckRequest request = takeFileWork(line);
+    return post("/v1/check", request);
+}
+
+constexpr Operand sources{{ValueKind::file, "path"}, true, true};
+constexpr Operand images{{ValueKind::file, "image"}, true, true};
+constexpr Operand scripts{{ValueKind::file, "file"}, true, true};
+
+constexpr auto commands = std::to_array<Command>({
+    {.word = "process",
+     .summary = "Compile files, as though they had just been saved",
+     .operands = {sources},
+     .options = {exactly, noWait, settle, timeout},
+     .parse = parseProcess},
+    {.word = "wait",
+     .summary = "Wait until nothing is happening",
+     .options = {onlyProject, since, settle, timeout},
+     .parse = parseWait},
+    {.word = "log",
+     .summary = "Read the log from a cursor",
+     .options = {logSince, limit, projectAsTyped, errorsOnly},
+     .parse = parseLog},
+    {.word = "build",
+     .summary = "Build a whole project; rarely needed",
+     .operands = {anyProject},
+     .options = {clean, noWait, timeout},
+     .parse = parseBuild},
+    {.word = "optimize",
+     .summary = "Optimise images in place",
+     .operands = {images},
+     .options = {noWait, timeout},
+     .parse = parseOptimize},
+    {.word = "check",
+     .summary = "Check the syntax of Javascript",
+     .operands = {scripts},
+     .options = {noWait, timeout},
+     .parse = parseCheck},
+    {.word = "refresh",
+     .summary = "Re-read projects from disk",
+     .operands = {anyProject},
+     .options = {everyProject, noWait, timeout},
+     .parse = parseRefresh},
+});
+
+} // namespace
+
+std::span<const Command> workCommands() {
+    return commands;
 }
 
 } // namespace fernlow

@@ -2,7 +2,8 @@
 
 #include "bytes/utf8.h"
 #include "cli/terminal.h"
-#include "commands/subcommand.h"
+#include "commands/command_table.h"
+#include "commands/usage_error.h"
 #include "completion/known_values.h"
 #include "json/writer.h"
 #include "transport/socket_location.h"
@@ -20,10 +21,16 @@ constexpr std::size_t longestText = 4096;
 /// Whether the text can neither break a line of output nor play tricks on a terminal: much of what
 /// the application tells comes from projects that somebody has downloaded.
 bool isHarmless(const std::string& text) {
-    const bool hasControl = std::any_of(
-        text.begin(), text.end(), [](char character) { return character >= 0 && character < ' '; });
+    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
+        return static_cast<unsigned char>(character) < ' ';
+    });
     return text.size() <= longestText && !hasControl && utf8::isWellFormed(text) &&
            !withVisibleControls(text);
+}
+
+bool isSetting(ValueKind kind) {
+    return kind == ValueKind::setting || kind == ValueKind::defaultSetting ||
+           kind == ValueKind::fileSetting || kind == ValueKind::rowSetting;
 }
 
 class Completer {
@@ -32,104 +39,105 @@ public:
         : line_(line), surroundings_(surroundings) {}
 
     Completions complete() {
-        if (const auto* const option = line_.optionBeforeCurrent()) {
+        const bool isOption = line_.current().starts_with('-');
+        if (const auto* const option = line_.awaiting()) {
             addValues(option->value);
-        } else if (line_.command().empty()) {
-            line_.current().starts_with('-') ? addOptionsWithoutCommand() : addCommands();
-        } else if (line_.form() == nullptr ? line_.mayBeSubcommand() : !takesNothing()) {
-            line_.current().starts_with('-') ? addOptions() : addWords();
+        } else if (!line_.before()) {
+            isOption ? addOptionsWithoutCommand() : addCommands();
+        } else if (!takesNothing()) {
+            isOption ? addOptions() : addWords();
         }
         return std::move(completions_);
     }
 
 private:
+    [[nodiscard]] const Command& command() const { return line_.before()->command(); }
+
     /// "help" and "version".
     [[nodiscard]] bool takesNothing() const {
-        return line_.form()->ignoresOtherWords && line_.form()->operands.empty();
+        return command().ignoresOtherWords && command().operands.empty();
     }
 
     void add(std::string_view value, std::string_view description) {
         completions_.candidates.push_back({std::string(value), std::string(description)});
     }
 
-    void addOption(const OptionDescription& option) {
-        if (!line_.has(option)) {
+    /// Unless it is on the line, or in the list, or its contrary is on the line.
+    void addOption(const Option& option) {
+        const auto& there = completions_.candidates;
+        const bool isThere =
+            std::any_of(there.begin(), there.end(),
+                        [&](const Candidate& candidate) { return candidate.value == option.word; });
+        if (!isThere && !line_.globals().has(option) && !(line_.before() && isRuledOut(option))) {
             add(option.word, option.summary);
         }
     }
 
+    [[nodiscard]] bool isRuledOut(const Option& option) const {
+        const auto& options = command().options;
+        return line_.whole().find(option) != nullptr ||
+               std::any_of(options.begin(), options.end(), [&](const CommandOption& other) {
+                   return line_.whole().find(*other.option) != nullptr &&
+                          (other.option->opposite == option.word ||
+                           option.opposite == other.option->word);
+               });
+    }
+
+    void addOptions(const OptionList& options, bool onlyRequired = false) {
+        for (const auto& [option, isRequired] : options) {
+            if (isRequired || !onlyRequired) {
+                addOption(*option);
+            }
+        }
+    }
+
+    void addGlobalOptions() {
+        for (const Option* const option : GlobalOptions::all()) {
+            addOption(*option);
+        }
+    }
+
     void addCommands() {
-        for (const CommandDescription& form : commandDescriptions()) {
-            if (completions_.candidates.empty() ||
-                completions_.candidates.back().value != form.command) {
-                add(form.command, form.summary);
+        for (const Command* const command : allCommands()) {
+            if (command->subcommand.empty()) {
+                add(command->word, command->summary);
             }
         }
     }
 
     void addOptionsWithoutCommand() {
-        for (const auto* const option : globalOptions()) {
-            addOption(*option);
-        }
-        for (const CommandDescription& form : commandDescriptions()) {
-            if (!form.aliases.empty()) {
-                add(*form.aliases.begin(), form.summary);
+        addGlobalOptions();
+        for (const Command* const command : allCommands()) {
+            if (!command->aliases.empty()) {
+                add(*command->aliases.begin(), command->summary);
             }
         }
     }
 
     void addOptions() {
-        addRequiredOptions();
-        if (line_.form() != nullptr) {
-            for (const auto* const option : line_.form()->options) {
-                addOption(*option);
-            }
-        }
+        addOptions(command().options);
         if (line_.mayBeSubcommand()) {
-            addSharedOptions();
+            addOptions(command().shared);
         }
-        for (const auto* const option : globalOptions()) {
-            addOption(*option);
-        }
-    }
-
-    void addRequiredOptions() {
-        if (line_.form() != nullptr) {
-            for (const auto* const option : line_.form()->required) {
-                addOption(*option);
-            }
-        }
-    }
-
-    /// The subcommands' options that may stand in front of them, where the listing has none of the
-    /// same name.
-    void addSharedOptions() {
-        for (const auto* const option : sharedOptions(line_.command())) {
-            const auto& there = completions_.candidates;
-            if (std::none_of(there.begin(), there.end(), [option](const Candidate& candidate) {
-                    return candidate.value == option->word;
-                })) {
-                addOption(*option);
-            }
-        }
+        addGlobalOptions();
     }
 
     void addWords() {
         if (line_.mayBeSubcommand()) {
-            for (const CommandDescription& form : commandDescriptions()) {
-                if (form.command == line_.command() && !form.subcommand.empty()) {
-                    add(form.subcommand, form.summary);
+            for (const Command* const other : allCommands()) {
+                if (other->word == command().word && !other->subcommand.empty()) {
+                    add(other->subcommand, other->summary);
                 }
             }
         }
-        const OperandDescription* const operand = currentOperand();
+        const Operand* const operand = currentOperand();
         if (operand != nullptr) {
             addValues(operand->value);
         }
         if (!line_.current().empty()) {
             return;
         }
-        addRequiredOptions();
+        addOptions(command().options, true);
         const bool mayBeLeftOut =
             operand == nullptr || (!operand->isRequired && operand->value.kind == ValueKind::text);
         if (mayBeLeftOut && !line_.mayBeSubcommand()) {
@@ -138,29 +146,32 @@ private:
         }
     }
 
-    [[nodiscard]] const OperandDescription* currentOperand() const {
-        if (line_.form() == nullptr) {
+    [[nodiscard]] const Operand* currentOperand() const {
+        const auto& operands = command().operands;
+        if (operands.empty()) {
             return nullptr;
         }
-        const auto& operands = line_.form()->operands;
-        std::size_t position = line_.operandsBefore();
-        const auto* const last = operands.end() - 1;
-        if (!operands.empty() && last->value.kind == ValueKind::setting) {
+        const Operand* const last = operands.end() - 1;
+        const Operand* operand = operands.begin();
+        std::size_t position = line_.before()->left().size();
+        if (isSetting(last->value.kind)) {
             // Settings may stand in front of the file too; what they are not, they are told by.
             if (line_.current().find('=') != std::string::npos) {
                 return last;
             }
-            position = static_cast<std::size_t>(std::count_if(
-                line_.operands().begin(), line_.operands().end(),
-                [](const std::string& word) { return word.find('=') == std::string::npos; }));
+            const auto& words = line_.whole().left();
+            position = static_cast<std::size_t>(
+                std::count_if(words.begin(), words.end(), [](const std::string& word) {
+                    return word.find('=') == std::string::npos;
+                }));
         }
-        if (line_.command() == "groups" && line_.valueOf("--name") != nullptr) {
+        if (operand->option != nullptr && line_.whole().find(*operand->option) != nullptr) {
             ++position;
         }
         if (position < operands.size()) {
-            return operands.begin() + position;
+            return operand + position;
         }
-        return !operands.empty() && last->repeats ? last : nullptr;
+        return last->repeats ? last : nullptr;
     }
 
     void addValues(const ValueDescription& value) {
@@ -196,7 +207,7 @@ private:
     }
 
     [[nodiscard]] std::string socketPath() const {
-        const std::string* const socket = line_.valueOf("--socket");
+        const std::string* const socket = line_.globals().socketPath();
         if (socket == nullptr) {
             return defaultSocketPath();
         }
@@ -241,7 +252,12 @@ std::string_view shellsOwn(const Completions& completions) {
 
 Completions complete(const std::vector<std::string>& words, std::size_t index,
                      const Surroundings& surroundings) {
-    return Completer(TypedLine(words, index), surroundings).complete();
+    try {
+        const TypedLine line(words, index, surroundings.currentDirectory);
+        return Completer(line, surroundings).complete();
+    } catch (const AgentCLIUsageError&) {
+        return {};
+    }
 }
 
 } // namespace fernlow::completion

@@ -3,7 +3,6 @@
 #include "commands/collections.h"
 #include "commands/files.h"
 #include "commands/options.h"
-#include "commands/projects.h"
 #include "commands/settings.h"
 
 #include <algorithm>
@@ -15,22 +14,23 @@ namespace {
 
 using Candidates = std::vector<Candidate>;
 
-std::optional<std::string> given(const TypedLine& line, std::string_view option) {
-    const std::string* const value = line.valueOf(option);
-    return value == nullptr ? std::nullopt : std::optional(*value);
+/// What was given with an option, as it was typed.
+std::optional<std::string> given(const TypedLine& line, const Option& option) {
+    const std::string* const text = line.whole().find(option);
+    return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
 /// The project that the command would ask about.
 std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDirectory) {
-    if (const auto path = given(line, "--path")) {
+    if (const auto path = given(line, options::inProject)) {
         return resolvePath(*path, currentDirectory);
     }
-    const CommandDescription* const form = line.form();
-    const bool takesProject = form != nullptr && !form->operands.empty() &&
-                              form->operands.begin()->value.kind == ValueKind::project;
-    return takesProject && !line.operands().empty()
-               ? resolvePath(line.operands().front(), currentDirectory)
-               : currentDirectory.path();
+    const auto& operands = line.before()->command().operands;
+    const bool takesProject =
+        !operands.empty() && operands.begin()->value.kind == ValueKind::project;
+    const auto& words = line.whole().left();
+    return takesProject && !words.empty() ? resolvePath(words.front(), currentDirectory)
+                                          : currentDirectory.path();
 }
 
 std::optional<json::Value> get(Application& application, std::string_view path) {
@@ -120,27 +120,28 @@ Candidates rows(std::string_view member, const std::optional<AgentCollectionKind
 }
 
 std::optional<AgentCollectionKind> kindOf(const TypedLine& line) {
-    const auto kind = given(line, "--kind");
+    const auto kind = given(line, options::kind);
     return kind ? fromWireWord<AgentCollectionKind>(*kind) : std::nullopt;
 }
 
-std::optional<json::Value> settingsSchema(const TypedLine& line,
+std::optional<json::Value> settingsSchema(ValueKind kind, const TypedLine& line,
                                           const CurrentDirectory& currentDirectory,
                                           Application& application) {
-    const auto language = given(line, "--language");
-    if (line.command() == "collections") {
+    const auto language = given(line, options::ofLanguage);
+    if (kind == ValueKind::rowSetting) {
         return ask(application, "/v1/collections/schema",
                    AgentCollectionSchemaRequest{kindOf(line)});
     }
-    if (line.command() == "defaults") {
+    if (kind == ValueKind::defaultSetting) {
         return ask(application, "/v1/defaults/schema", AgentDefaultsSchemaRequest{language});
     }
-    if (line.command() == "files") {
+    if (kind == ValueKind::fileSetting) {
         const auto isFile = [](const std::string& word) {
             return word.find('=') == std::string::npos;
         };
-        const auto file = std::find_if(line.operands().begin(), line.operands().end(), isFile);
-        return file == line.operands().end()
+        const auto& words = line.whole().left();
+        const auto file = std::find_if(words.begin(), words.end(), isFile);
+        return file == words.end()
                    ? std::nullopt
                    : ask(application, "/v1/files/schema",
                          AgentFileSchemaRequest{resolvePath(*file, currentDirectory), {}});
@@ -186,30 +187,31 @@ Candidates valuesOf(const json::Object& row) {
 
 /// Whether the command can change the setting. Without --language the schema tells of every
 /// language's settings, and always of rows in lists that no option names.
-bool isMeant(const json::Object& row, const TypedLine& line) {
-    if (line.command() == "collections" || line.command() == "files") {
+bool isMeant(const json::Object& row, ValueKind kind, const TypedLine& line) {
+    if (kind == ValueKind::rowSetting || kind == ValueKind::fileSetting) {
         return true;
     }
-    return row.text("language") == given(line, "--language").value_or("") &&
+    return row.text("language") == given(line, options::ofLanguage).value_or("") &&
            row.text("group").empty();
 }
 
-Candidates settings(const TypedLine& line, const CurrentDirectory& currentDirectory,
+Candidates settings(ValueKind kind, const TypedLine& line, const CurrentDirectory& currentDirectory,
                     Application& application) {
     const auto key = [](const std::string& word) { return word.substr(0, word.find('=')); };
     const bool hasKey = line.current().find('=') != std::string::npos;
+    const auto& words = line.whole().left();
     Candidates candidates;
-    for (const json::Object row : rowsOf(settingsSchema(line, currentDirectory, application))) {
+    for (const json::Object row :
+         rowsOf(settingsSchema(kind, line, currentDirectory, application))) {
         const std::string name(row.text("name"));
-        if (!isMeant(row, line) || name.empty()) {
+        if (!isMeant(row, kind, line) || name.empty()) {
             continue;
         }
         if (hasKey && name == key(line.current())) {
             return valuesOf(row);
         }
-        const bool isGiven =
-            std::any_of(line.operands().begin(), line.operands().end(),
-                        [&](const std::string& word) { return key(word) == name; });
+        const bool isGiven = std::any_of(
+            words.begin(), words.end(), [&](const std::string& word) { return key(word) == name; });
         if (!hasKey && !isGiven) {
             candidates.push_back({name + "=", describeSetting(row)});
         }
@@ -237,7 +239,10 @@ std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
     case ValueKind::rowId:
         return rows("id", kindOf(line), projectOf(line, currentDirectory), application);
     case ValueKind::setting:
-        return settings(line, currentDirectory, application);
+    case ValueKind::defaultSetting:
+    case ValueKind::fileSetting:
+    case ValueKind::rowSetting:
+        return settings(kind, line, currentDirectory, application);
     default:
         return {};
     }

@@ -1,63 +1,49 @@
 #pragma once
 
-#include "commands/description.h"
+#include "commands/command_line.h"
+#include "commands/global_options.h"
 
 #include <cstddef>
-#include <map>
-#include <span>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace fernlow::completion {
 
-/// A line that is being typed, read by the parsers' rules as far as they say what it means: the
-/// global options are taken wherever they stand, the value of an option is the next word whatever
-/// it looks like, and the options of all subcommands may stand before the subcommand.
+/// A line that is being typed. What the word at the cursor may be follows from the words in front
+/// of it, read as the command itself would read them.
 class TypedLine {
 public:
-    /// `index` is that of the word being typed; beyond the last word it is an empty one.
-    TypedLine(const std::vector<std::string>& words, std::size_t index);
+    /// `index` is that of the word being typed; beyond the last word it is an empty one. Throws
+    /// AgentCLIUsageError where the words in front of it are no beginning of any command line.
+    /// Keeps a reference to the folder.
+    TypedLine(std::vector<std::string> words, std::size_t index,
+              const CurrentDirectory& currentDirectory);
 
     /// The word being typed, as far as it has been typed.
     [[nodiscard]] const std::string& current() const { return current_; }
-    /// The option whose value that word is.
-    [[nodiscard]] const OptionDescription* optionBeforeCurrent() const { return awaiting_; }
-    /// Empty while the command is being typed.
-    [[nodiscard]] const std::string& command() const { return command_; }
-    /// The form of the command, as far as it is clear. Null when there is none.
-    [[nodiscard]] const CommandDescription* form() const { return form_; }
-    /// Whether the word being typed may be the command's subcommand.
-    [[nodiscard]] bool mayBeSubcommand() const { return mayBeSubcommand_; }
-    /// The words that are no options, without the one being typed; `operandsBefore` of them stand
-    /// in front of it.
-    [[nodiscard]] const std::vector<std::string>& operands() const { return operands_; }
-    [[nodiscard]] std::size_t operandsBefore() const { return operandsBefore_; }
 
-    /// Whether the option, or its opposite, is on the line.
-    [[nodiscard]] bool has(const OptionDescription& option) const;
-    /// The value that was given with an option, or null.
-    [[nodiscard]] const std::string* valueOf(std::string_view option) const;
+    /// The option whose value that word is, or null.
+    [[nodiscard]] const Option* awaiting() const { return awaiting_; }
+
+    /// The line in front of that word; nothing while the command is being typed.
+    [[nodiscard]] const std::optional<CommandLine>& before() const { return before_; }
+
+    /// The whole line but for that word, as far as it can be understood; for what has been given
+    /// already. Only where there is a before().
+    [[nodiscard]] const CommandLine& whole() const { return whole_ ? *whole_ : *before_; }
+
+    [[nodiscard]] const GlobalOptions& globals() const { return globals_; }
+
+    /// Whether that word may be the command's subcommand.
+    [[nodiscard]] bool mayBeSubcommand() const;
 
 private:
-    struct Word {
-        std::string text;
-        bool isCurrent = false;
-    };
-
-    void take(std::span<const OptionDescription* const> options);
-    void takeCommand();
-    void chooseForm();
-
-    std::vector<Word> words_;
     std::string current_;
-    const OptionDescription* awaiting_ = nullptr;
-    std::string command_;
-    const CommandDescription* form_ = nullptr;
-    bool mayBeSubcommand_ = false;
-    std::vector<std::string> operands_;
-    std::size_t operandsBefore_ = 0;
-    std::map<std::string, std::string, std::less<>> taken_;
+    const Option* awaiting_ = nullptr;
+    GlobalOptions globals_;
+    std::optional<CommandLine> before_;
+    std::optional<CommandLine> whole_;
 };
 
 } // namespace fernlow::completion

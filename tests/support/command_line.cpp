@@ -51,11 +51,6 @@ std::string outcome(std::string_view line, const std::string& currentDirectory) 
     }
 }
 
-std::string name(const CommandDescription& form) {
-    return std::string(form.command) + (form.subcommand.empty() ? "" : " ") +
-           std::string(form.subcommand);
-}
-
 Words matches(const std::string& text, const char* pattern) {
     const std::regex regex(pattern);
     Words words;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "commands/description.h"
-
 #include <set>
 #include <string>
 #include <string_view>
@@ -16,9 +14,6 @@ std::vector<std::string> splitWords(std::string_view line);
 /// What a command line typed in `currentDirectory` comes to, as one line: "GET /path",
 /// "POST /path {body}", "help", "version", or the message of the error that it ends with.
 std::string outcome(std::string_view line, const std::string& currentDirectory = "/p/src");
-
-/// The command and the subcommand, if there is one.
-std::string name(const CommandDescription& form);
 
 using Words = std::set<std::string>;
 

@@ -1,0 +1,177 @@
+#include "commands/command_line.h"
+
+#include "commands/command_table.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace fernlow {
+
+namespace {
+
+bool lists(const OptionList& options, const Option& option) {
+    return std::any_of(options.begin(), options.end(), [&](const CommandOption& listed) {
+        return listed.option->word == option.word;
+    });
+}
+
+bool readsAsPaths(const std::vector<std::string>& words) {
+    return !words.empty() && looksLikePath(words.front()) &&
+           std::all_of(words.begin(), words.end(), [](const std::string& word) {
+               return word.starts_with('-') || looksLikePath(word);
+           });
+}
+
+} // namespace
+
+std::string Command::name() const {
+    return std::string(word) + (subcommand.empty() ? "" : " ") + std::string(subcommand);
+}
+
+CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory)
+    : WordList(std::move(words)), currentDirectory_(&currentDirectory) {
+    const auto word = takeNextWord();
+    if (!word) {
+        throw AgentCLIUsageError(AgentCLIUsageError::noCommand{});
+    }
+    command_ = findCommand(*word, "");
+    if (command_ == nullptr) {
+        throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{*word});
+    }
+    take(command_->shared);
+}
+
+void CommandLine::takeSubcommand() {
+    const bool mayBePaths = !command_->operands.empty() && readsAsPaths(left());
+    if (hasSubcommands(*command_) && !mayBePaths) {
+        if (const auto word = takeFirstWord()) {
+            // An empty word would name the command alone.
+            const auto* const found = word->empty() ? nullptr : findCommand(command_->word, *word);
+            command_ = found != nullptr ? found : throw unknownSubcommand(*word);
+        }
+    }
+    take(command_->options);
+}
+
+void CommandLine::take(const OptionList& options) {
+    for (const auto& [option, isRequired] : options) {
+        // What the command has taken its subcommand leaves alone: a repeated option is an error.
+        if (find(*option) != nullptr) {
+            continue;
+        }
+        if (option->value.kind != ValueKind::none) {
+            if (auto text = takeOptionValue(option->word)) {
+                taken_.push_back({option, *std::move(text)});
+            }
+        } else if (takeFlag(option->word)) {
+            taken_.push_back({option, ""});
+        }
+    }
+}
+
+void CommandLine::rejectUnreadableValues() const {
+    for (const auto& [option, text] : taken_) {
+        option->rejectUnreadable(text);
+    }
+}
+
+const std::string* CommandLine::find(const Option& option) const {
+    const auto found = std::find_if(taken_.begin(), taken_.end(), [&](const TakenOption& taken) {
+        return taken.option->word == option.word;
+    });
+    return found == taken_.end() ? nullptr : &found->value;
+}
+
+AgentCLIUsageError CommandLine::unknownSubcommand(const std::string& word) const {
+    return AgentCLIUsageError(AgentCLIUsageError::unknownCommand{command_->name() + " " + word});
+}
+
+const std::string* CommandLine::listed(const Option& option) const {
+    // Else it would be absent whatever is typed.
+    assert(lists(command_->options, option));
+    return find(option);
+}
+
+const std::string& CommandLine::requireText(const Option& option) const {
+    const std::string* const text = listed(option);
+    if (text == nullptr) {
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{std::string(option.word)});
+    }
+    return *text;
+}
+
+std::optional<std::string> CommandLine::value(const Path& option) const {
+    const std::string* const text = listed(option);
+    return text == nullptr ? std::nullopt : std::optional(resolvePath(*text, *currentDirectory_));
+}
+
+std::int64_t CommandLine::value(const WholeNumber& option) const {
+    const std::string* const text = listed(option);
+    return text == nullptr ? option.usual() : option.read(*text);
+}
+
+double CommandLine::value(const Decimal& option) const {
+    const std::string* const text = listed(option);
+    return text == nullptr ? option.usual() : option.read(*text);
+}
+
+std::string CommandLine::pathOrCurrentDirectory(const Path& option) const {
+    auto path = value(option);
+    return path ? *std::move(path) : currentDirectory_->path();
+}
+
+std::string CommandLine::takeRequiredWord() {
+    auto word = takeFirstWord();
+    if (!word) {
+        throw AgentCLIUsageError(AgentCLIUsageError::missingValue{command_->name()});
+    }
+    return *std::move(word);
+}
+
+std::vector<std::string> CommandLine::takePaths() {
+    std::vector<std::string> paths = takeRemainingWords();
+    for (std::string& path : paths) {
+        path = resolvePath(path, *currentDirectory_);
+    }
+    return paths;
+}
+
+std::vector<std::string> CommandLine::takeRequiredPaths() {
+    auto paths = takePaths();
+    if (paths.empty()) {
+        throw AgentCLIUsageError(AgentCLIUsageError::missingPath{command_->name()});
+    }
+    return paths;
+}
+
+std::string CommandLine::takePathOrCurrentDirectory() {
+    const auto paths = takeRemainingWords();
+    return paths.empty() ? currentDirectory_->path()
+                         : resolvePath(paths.front(), *currentDirectory_);
+}
+
+const Option* CommandLine::unfinishedOption() const {
+    for (const OptionList* const options : {&command_->shared, &command_->options}) {
+        for (const auto& [option, isRequired] : *options) {
+            const bool takesValue = option->value.kind != ValueKind::none;
+            if (takesValue && !left().empty() && left().back() == option->word &&
+                find(*option) == nullptr) {
+                return option;
+            }
+        }
+    }
+    return nullptr;
+}
+
+AgentCLIAction parseCommand(std::vector<std::string> words,
+                            const CurrentDirectory& currentDirectory) {
+    CommandLine line(std::move(words), currentDirectory);
+    // Before the subcommand is looked at, and again for what it takes itself.
+    line.rejectUnreadableValues();
+    line.takeSubcommand();
+    line.rejectUnreadableValues();
+    return line.command().parse(line);
+}
+
+} // namespace fernlow

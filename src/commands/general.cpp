@@ -1,0 +1,60 @@
+#include "commands/general.h"
+
+#include "commands/command_line.h"
+
+#include <array>
+
+namespace fernlow {
+
+namespace {
+
+AgentCLIAction get(const CommandLine& line, const char* path) {
+    line.rejectLeftoverWords();
+    return {AgentCLIAction::get{path}};
+}
+
+AgentCLIAction parseStatus(CommandLine& line) {
+    return get(line, "/v1/status");
+}
+
+AgentCLIAction parseProjects(CommandLine& line) {
+    return get(line, "/v1/projects");
+}
+
+AgentCLIAction parseSchema(CommandLine& line) {
+    return get(line, "/v1/schema");
+}
+
+AgentCLIAction parseHelp(CommandLine& /*line*/) {
+    return {AgentCLIAction::help{}};
+}
+
+AgentCLIAction parseVersion(CommandLine& /*line*/) {
+    return {AgentCLIAction::version{}};
+}
+
+constexpr auto commands = std::to_array<Command>({
+    {.word = "status",
+     .summary = "What Fernlow is doing, and the current log cursor",
+     .parse = parseStatus},
+    {.word = "projects", .summary = "Every project and framework", .parse = parseProjects},
+    {.word = "schema", .summary = "The whole API, with notes", .parse = parseSchema},
+    {.word = "help",
+     .summary = "The whole manual",
+     .aliases = {"--help", "-h"},
+     .ignoresOtherWords = true,
+     .parse = parseHelp},
+    {.word = "version",
+     .summary = "The version of this program",
+     .aliases = {"--version", "-v"},
+     .ignoresOtherWords = true,
+     .parse = parseVersion},
+});
+
+} // namespace
+
+std::span<const Command> generalCommands() {
+    return commands;
+}
+
+} // namespace fernlow
