@@ -30,14 +30,14 @@ std::string sample(const Option& option) {
 /// The command with all its operands and the options that it requires, but for one.
 std::string wholeLine(const Command& command, const Option* without = nullptr) {
     std::string line = command.name();
-    for (const auto& operand : command.operands) {
-        const auto& choices = operand.value.choices;
-        const bool isSetting = operand.value.name == "key=value";
+    for (const Operand* const operand : command.operands) {
+        const auto& choices = operand->value.choices;
+        const bool isSetting = operand->value.name == "key=value";
         line += " " + (choices.empty() ? isSetting ? "key=value" : "./operand"
                                        : std::string(choices.front()));
     }
-    for (const auto& [option, isRequired] : command.options) {
-        line += isRequired && option != without ? sample(*option) : "";
+    for (const Option* const option : command.required) {
+        line += option != without ? sample(*option) : "";
     }
     return line;
 }
@@ -52,16 +52,15 @@ TEST(CommandTable, ListsWhatItsParsersUse) {
     for (const Command* const command : allCommands()) {
         const std::string line = wholeLine(*command);
         EXPECT_TRUE(succeeds(line)) << line;
-        for (const auto& [option, isRequired] : command->options) {
-            if (isRequired) {
-                EXPECT_FALSE(succeeds(wholeLine(*command, option))) << line << option->word;
-            } else {
-                const std::string longer = line + sample(*option);
-                EXPECT_TRUE(succeeds(longer) && outcome(longer) != outcome(line)) << longer;
-            }
+        for (const Option* const option : command->required) {
+            EXPECT_FALSE(succeeds(wholeLine(*command, option))) << line << option->word;
         }
-        for (const auto& operand : command->operands) {
-            EXPECT_TRUE(!operand.isRequired || !succeeds(command->name())) << command->name();
+        for (const Option* const option : command->options) {
+            const std::string longer = line + sample(*option);
+            EXPECT_TRUE(succeeds(longer) && outcome(longer) != outcome(line)) << longer;
+        }
+        for (const Operand* const operand : command->operands) {
+            EXPECT_TRUE(!operand->isRequired || !succeeds(command->name())) << command->name();
         }
     }
 }
@@ -72,7 +71,7 @@ TEST(CommandTable, HoldsWhatTheHelpExplains) {
     Words inTable, options;
     for (const Command* const command : allCommands()) {
         inTable.insert(command->name());
-        for (const auto& [option, isRequired] : command->options) {
+        for (const Option* const option : command->allOptions()) {
             options.insert(std::string(option->word));
         }
         for (const auto alias : command->aliases) {

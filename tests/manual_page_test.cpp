@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -68,8 +69,10 @@ TEST(ManualPage, AgreesWithTheDescription) {
         for (const auto alias : row->aliases) {
             synopsis += " | Fl " + std::string(alias.substr(1));
         }
-        for (const auto& [option, isRequired] : row->options) {
+        for (const Option* const option : row->allOptions()) {
             const std::string word(option->word), value(option->value.name);
+            const bool isRequired =
+                std::count(row->required.begin(), row->required.end(), option) > 0;
             synopsis += isRequired ? " .Fl " : option->opposite.empty() ? " .Op Fl " : " | Fl ";
             synopsis += word.substr(1) + (value.empty() ? "" : " Ar ") + value;
             const bool isOwn = parts.contains(command + " " + word);
@@ -77,7 +80,8 @@ TEST(ManualPage, AgreesWithTheDescription) {
             expectFacts(parts.at(part), option->value);
             others.erase(part);
         }
-        for (const auto& [value, isRequired, repeats, option] : row->operands) {
+        for (const Operand* const operand : row->operands) {
+            const auto& [value, isRequired, repeats, option] = *operand;
             synopsis += (isRequired ? " .Ar " : " .Op Ar ") + std::string(value.name);
             synopsis += repeats ? " ..." : "";
             if (!value.choices.empty()) {

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fernlow {
 
@@ -25,23 +26,6 @@ struct Operand {
     /// The option that may give it instead.
     const Option* option = nullptr;
 };
-
-/// An option in a command's list.
-struct CommandOption {
-    const Option* option = nullptr;
-    bool isRequired = false;
-
-    constexpr CommandOption() = default;
-    /// Not explicit, so that a list of options reads as one.
-    constexpr CommandOption(const Option& taken) : option(&taken) {}
-};
-
-/// An option that the command can't do without.
-constexpr CommandOption required(const Option& option) {
-    CommandOption taken(option);
-    taken.isRequired = true;
-    return taken;
-}
 
 /// A list with room for `capacity` elements, so that tables of tables can be written in place.
 template <class Element, std::size_t capacity>
@@ -63,7 +47,7 @@ private:
     std::size_t size_ = 0;
 };
 
-using OptionList = ShortList<CommandOption, 11>;
+using OptionList = ShortList<const Option*, 11>;
 
 /// One command, or one subcommand: all that is to be known of it.
 struct Command {
@@ -71,13 +55,15 @@ struct Command {
     /// Empty for the command alone.
     std::string_view subcommand{};
     std::string_view summary;
-    ShortList<Operand, 2> operands{};
-    /// What it takes, in the order in which it is taken. That order decides which of two mistakes
-    /// is reported, and who gets a word that could be an option or another one's value.
+    ShortList<const Operand*, 2> operands{};
+    /// What it takes, in the order in which it is taken: what it can't do without first. That order
+    /// decides which of two mistakes is reported, and who gets a word that could be an option or
+    /// another one's value.
+    ShortList<const Option*, 3> required{};
     OptionList options{};
     /// Of a command with subcommands: the options that may stand in front of them, taken first. A
     /// subcommand that doesn't list one drops it.
-    OptionList shared{};
+    const OptionList* shared = nullptr;
     /// Other words for the command.
     ShortList<std::string_view, 2> aliases{};
     /// Whether words that it has no use for, options included, are passed over in silence.
@@ -88,6 +74,9 @@ struct Command {
 
     /// As a person types it: "files set".
     [[nodiscard]] std::string name() const;
+
+    /// The required ones and the others.
+    [[nodiscard]] std::vector<const Option*> allOptions() const;
 };
 
 // NOLINTEND(readability-redundant-member-init)

@@ -10,12 +10,6 @@ namespace fernlow {
 
 namespace {
 
-bool lists(const OptionList& options, const Option& option) {
-    return std::any_of(options.begin(), options.end(), [&](const CommandOption& listed) {
-        return listed.option->word == option.word;
-    });
-}
-
 bool readsAsPaths(const std::vector<std::string>& words) {
     return !words.empty() && looksLikePath(words.front()) &&
            std::all_of(words.begin(), words.end(), [](const std::string& word) {
@@ -24,10 +18,6 @@ bool readsAsPaths(const std::vector<std::string>& words) {
 }
 
 } // namespace
-
-std::string Command::name() const {
-    return std::string(word) + (subcommand.empty() ? "" : " ") + std::string(subcommand);
-}
 
 CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory)
     : WordList(std::move(words)), currentDirectory_(&currentDirectory) {
@@ -39,7 +29,9 @@ CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory&
     if (command_ == nullptr) {
         throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{*word});
     }
-    take(command_->shared);
+    if (command_->shared != nullptr) {
+        take(*command_->shared);
+    }
 }
 
 void CommandLine::takeSubcommand() {
@@ -51,11 +43,12 @@ void CommandLine::takeSubcommand() {
             command_ = found != nullptr ? found : throw unknownSubcommand(*word);
         }
     }
+    take(command_->required);
     take(command_->options);
 }
 
-void CommandLine::take(const OptionList& options) {
-    for (const auto& [option, isRequired] : options) {
+void CommandLine::take(std::span<const Option* const> options) {
+    for (const Option* const option : options) {
         // What the command has taken its subcommand leaves alone: a repeated option is an error.
         if (find(*option) != nullptr) {
             continue;
@@ -88,8 +81,13 @@ AgentCLIUsageError CommandLine::unknownSubcommand(const std::string& word) const
 }
 
 const std::string* CommandLine::listed(const Option& option) const {
+    [[maybe_unused]] const auto isListed = [&] {
+        const auto options = command_->allOptions();
+        return std::any_of(options.begin(), options.end(),
+                           [&](const Option* listed) { return listed->word == option.word; });
+    };
     // Else it would be absent whatever is typed.
-    assert(lists(command_->options, option));
+    assert(isListed());
     return find(option);
 }
 
@@ -152,16 +150,16 @@ std::string CommandLine::takePathOrCurrentDirectory() {
 }
 
 const Option* CommandLine::unfinishedOption() const {
-    for (const OptionList* const options : {&command_->shared, &command_->options}) {
-        for (const auto& [option, isRequired] : *options) {
-            const bool takesValue = option->value.kind != ValueKind::none;
-            if (takesValue && !left().empty() && left().back() == option->word &&
-                find(*option) == nullptr) {
-                return option;
-            }
-        }
+    auto options = command_->allOptions();
+    if (command_->shared != nullptr) {
+        options.insert(options.end(), command_->shared->begin(), command_->shared->end());
     }
-    return nullptr;
+    const auto unfinished =
+        std::find_if(options.begin(), options.end(), [this](const Option* option) {
+            return option->value.kind != ValueKind::none && find(*option) == nullptr &&
+                   !left().empty() && left().back() == option->word;
+        });
+    return unfinished == options.end() ? nullptr : *unfinished;
 }
 
 AgentCLIAction parseCommand(std::vector<std::string> words,

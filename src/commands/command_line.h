@@ -6,6 +6,7 @@
 #include "commands/words.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -92,7 +93,7 @@ public:
     [[nodiscard]] const CurrentDirectory& currentDirectory() const { return *currentDirectory_; }
 
 private:
-    void take(const OptionList& options);
+    void take(std::span<const Option* const> options);
     [[nodiscard]] AgentCLIUsageError unknownSubcommand(const std::string& word) const;
     [[nodiscard]] const std::string* listed(const Option& option) const;
     [[nodiscard]] const std::string& requireText(const Option& option) const;

@@ -112,13 +112,13 @@ constexpr Operand packageNames{{ValueKind::text, "pkg"}, false, true};
 constexpr auto commands = std::to_array<Command>({
     {.word = "packages",
      .summary = "Run one npm operation in a project",
-     .operands = {action, packageNames},
-     .options = {install, saveTo, exact, noExact, packageLock, noPackageLock, raiseLimits, noWait,
-                 timeout, inProject},
+     .operands = {&action, &packageNames},
+     .options = {&install, &saveTo, &exact, &noExact, &packageLock, &noPackageLock, &raiseLimits,
+                 &noWait, &timeout, &inProject},
      .parse = parsePackages},
     {.word = "preview",
      .summary = "Open the preview address in a browser",
-     .options = {address, browser, page},
+     .options = {&address, &browser, &page},
      .parse = parsePreview},
 });
 

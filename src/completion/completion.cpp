@@ -9,6 +9,7 @@
 #include "transport/socket_location.h"
 
 #include <algorithm>
+#include <span>
 
 namespace fernlow::completion {
 
@@ -76,23 +77,14 @@ private:
     [[nodiscard]] bool isRuledOut(const Option& option) const {
         const auto& options = command().options;
         return line_.whole().find(option) != nullptr ||
-               std::any_of(options.begin(), options.end(), [&](const CommandOption& other) {
-                   return line_.whole().find(*other.option) != nullptr &&
-                          (other.option->opposite == option.word ||
-                           option.opposite == other.option->word);
+               std::any_of(options.begin(), options.end(), [&](const Option* other) {
+                   return line_.whole().find(*other) != nullptr &&
+                          (other->opposite == option.word || option.opposite == other->word);
                });
     }
 
-    void addOptions(const OptionList& options, bool onlyRequired = false) {
-        for (const auto& [option, isRequired] : options) {
-            if (isRequired || !onlyRequired) {
-                addOption(*option);
-            }
-        }
-    }
-
-    void addGlobalOptions() {
-        for (const Option* const option : GlobalOptions::all()) {
+    void addOptions(std::span<const Option* const> options) {
+        for (const Option* const option : options) {
             addOption(*option);
         }
     }
@@ -106,7 +98,7 @@ private:
     }
 
     void addOptionsWithoutCommand() {
-        addGlobalOptions();
+        addOptions(GlobalOptions::all());
         for (const Command* const command : allCommands()) {
             if (!command->aliases.empty()) {
                 add(*command->aliases.begin(), command->summary);
@@ -115,11 +107,12 @@ private:
     }
 
     void addOptions() {
+        addOptions(command().required);
         addOptions(command().options);
-        if (line_.mayBeSubcommand()) {
-            addOptions(command().shared);
+        if (line_.mayBeSubcommand() && command().shared != nullptr) {
+            addOptions(*command().shared);
         }
-        addGlobalOptions();
+        addOptions(GlobalOptions::all());
     }
 
     void addWords() {
@@ -137,7 +130,7 @@ private:
         if (!line_.current().empty()) {
             return;
         }
-        addOptions(command().options, true);
+        addOptions(command().required);
         const bool mayBeLeftOut =
             operand == nullptr || (!operand->isRequired && operand->value.kind == ValueKind::text);
         if (mayBeLeftOut && !line_.mayBeSubcommand()) {
@@ -151,8 +144,8 @@ private:
         if (operands.empty()) {
             return nullptr;
         }
-        const Operand* const last = operands.end() - 1;
-        const Operand* operand = operands.begin();
+        const Operand* const first = *operands.begin();
+        const Operand* const last = *(operands.end() - 1);
         std::size_t position = line_.before()->left().size();
         if (isSetting(last->value.kind)) {
             // Settings may stand in front of the file too; what they are not, they are told by.
@@ -165,11 +158,11 @@ private:
                     return word.find('=') == std::string::npos;
                 }));
         }
-        if (operand->option != nullptr && line_.whole().find(*operand->option) != nullptr) {
+        if (first->option != nullptr && line_.whole().find(*first->option) != nullptr) {
             ++position;
         }
         if (position < operands.size()) {
-            return operand + position;
+            return operands.begin()[position];
         }
         return last->repeats ? last : nullptr;
     }
