@@ -179,16 +179,39 @@ TEST(Completion, SaysNothingOfWhatIsWrong) {
 }
 
 TEST(Completion, WritesWhatBashPutsInPlace) {
-    EXPECT_EQ(bashCompleted("a; fernlow sta", "sta"), "nothing|status|");
-    EXPECT_EQ(bashCompleted("fernlow 'wait' --j", "--j"), "nothing|");
-    EXPECT_EQ(bashCompleted("fernlow wait --no", "--no"), "nothing|--no-launch|");
+    for (const auto& [line, replaced, expected] :
+         std::vector<std::tuple<std::string, std::string, std::string>>{
+             {"a; fernlow sta", "sta", "status|"},
+             {"fernlow 'wait' --j", "--j", ""},
+             {"fernlow wait --no", "--no", "--no-launch|"},
+             {"fernlow process $(fernlow st", "st", "status|"},
+             {"fernlow log >| out --si", "--si", "--since|"},
+             {"fernlow log 2>&1 &>> x --si", "--si", "--since|"},
+             {"fernlow log --project \"$(a \"b\" `c`)\" <(x) $((1+(2))) ${x:-a b} --si", "--si",
+              "--since|"},
+             {"fernlow log $'it\\'s' --si", "--si", "--since|"},
+             {"fernlow log ${x:- --si", "--si", ""},
+             {"fernlow log # it's --si", "--si", ""},
+             {"fernlow log $x--si", "--si", ""},
+             {"fernlow \"`x`sta", "sta", ""},
+             {"fernlow sta*", "sta*", ""},
+             {"fernlow " + std::string(200000, '('), "", ""}}) {
+        EXPECT_EQ(bashCompleted(line, replaced), "nothing|" + expected) << line;
+    }
     EXPECT_EQ(bashCompleted("fernlow log > ou", "ou"), "files|");
-    EXPECT_EQ(bashCompleted("fernlow process $(fernlow st", "st"), "nothing|status|");
+    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", 5, " $(x) --since 3"), "nothing|");
+    EXPECT_EQ(bashCompleted("fernlow add --offset 2", "2", 5, ">x"), "nothing|");
     EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", 5, ";fernlow log --since 3"),
               "nothing|--since|");
     EXPECT_EQ(bashCompleted("fernlow \"sta", "sta", 5, " b\" --json"), "nothing|status|");
     const std::string endless(100000, ' ');
     EXPECT_EQ(bashCompleted("fernlow sta", "sta", 5, endless + "x"), "nothing|status|");
+    std::string many;
+    for (int number = 0; number < 2500; ++number) {
+        many += R"({"name":"n)" + std::to_string(number) + R"("},)";
+    }
+    const ScriptedPeer groups({answer(reply(R"({"ok":true,"result":[)" + many + "{}]}"))});
+    EXPECT_EQ(completed("--socket " + groups.path() + " move --group n2499"), "n2499");
     const ScriptedPeer history({answer(reply(R"({"ok":true,"result":[{"name":"a!!"}]})"))});
     EXPECT_EQ(bashCompleted("fernlow --socket " + history.path() + " move --group \"a", "a"),
               "nothing|");

@@ -1,100 +1,237 @@
 #include "completion/bash_line.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace fernlow::completion {
 
 namespace {
 
+constexpr auto npos = std::string_view::npos;
+
+/// Reads a line of bash as far as it takes to tell its words apart.
 class Splitter {
 public:
-    /// Whether the character ended the command, as ";" does.
-    bool read(char character) {
-        typed_ += character;
-        if (quote_ == '\\') {
-            quote_ = outer_;
-            outer_ = '\0';
-            // Between double quotes a backslash is a character of its own in front of most others.
-            word_ += quote_ != '\0' && std::string_view("\"\\$`").find(character) == npos
-                         ? std::string{'\\', character}
-                         : std::string{character};
-        } else if (character == '\\' && quote_ != '\'') {
-            outer_ = quote_;
-            quote_ = '\\';
-        } else if (quote_ != '\0') {
-            quote_ == character ? void(quote_ = '\0') : word_.push_back(character);
-        } else if (character == '"' || character == '\'') {
-            quote_ = character;
-            isWord_ = true;
+    /// Reads a character with the one behind it (0 at the end). Gives whether it ended the command,
+    /// as ";" does.
+    bool read(char character, char next) {
+        state_.typed += character;
+        const char previous = std::exchange(previous_, '\0');
+        char& quote = state_.quote;
+        if (quote == '#') {
+            return character == '\n';
+        }
+        if (quote == '\\') {
+            readEscaped(character);
+        } else if (character == '\\' && quote != '\'') {
+            state_.outerQuote = quote;
+            quote = '\\';
+        } else if (quote == '\'' || quote == '$') {
+            character == '\'' ? endQuote() : append(character);
         } else {
-            return readUnquoted(character);
+            previous_ = character;
+            return readExpanded(character, previous, next);
         }
         return false;
     }
 
     void startCommand() {
-        words_.clear();
-        isRedirection_ = false;
+        state_.words.clear();
+        state_.isRedirection = false;
         startWord();
     }
 
     /// Has the word count as one even if it stays empty.
-    void beginWord() { isWord_ = true; }
+    void beginWord() { state_.isWord = true; }
 
     void endWord() {
-        if ((isWord_ || !word_.empty()) && !isRedirection_) {
-            words_.push_back(word_);
+        const bool isWord = state_.isWord || !state_.word.empty();
+        if (isWord && !state_.isRedirection) {
+            state_.words.push_back(state_.word);
         }
-        isRedirection_ = isRedirection_ && !isWord_ && word_.empty();
+        state_.isRedirection = state_.isRedirection && !isWord;
         startWord();
     }
 
     /// Those that have ended.
-    [[nodiscard]] const std::vector<std::string>& words() const { return words_; }
+    [[nodiscard]] const std::vector<std::string>& words() const { return state_.words; }
+
+    /// The end of the substitution that is being read now ends its command, and nothing around it
+    /// is read on.
+    void stayWithin() { floor_ = around_.size(); }
 
     [[nodiscard]] BashLine line() const {
-        BashLine line{words_, words_.size(), typed_, quote_ == '\\' ? outer_ : quote_,
-                      isRedirection_};
-        line.words.push_back(word_);
+        const char quote = state_.quote == '\\' ? state_.outerQuote : state_.quote;
+        BashLine line;
+        line.typed = state_.typed;
+        line.openQuote = quote;
+        line.isRedirection = state_.isRedirection;
+        line.isKnown = state_.isKnown;
+        // Elsewhere there are no words.
+        if (state_.closer != '}' && quote != '#' && !isTooDeep_) {
+            line.words = state_.words;
+        }
+        line.index = line.words.size();
+        line.words.push_back(state_.word);
         return line;
     }
 
 private:
-    static constexpr auto npos = std::string_view::npos;
+    struct State {
+        std::vector<std::string> words;
+        std::string word;
+        std::string typed;
+        /// The one that is open; "$" for $'...', "\\" behind a backslash, "#" in a comment.
+        char quote = '\0';
+        /// The quote around a backslash.
+        char outerQuote = '\0';
+        /// Whether a word has begun, though it may be empty yet.
+        bool isWord = false;
+        bool isRedirection = false;
+        /// Whether the word will be what its text says: nothing in it is expanded.
+        bool isKnown = true;
+        /// What ends the substitution that all this stands in, or 0.
+        char closer = '\0';
+        /// Parentheses that are open within it.
+        int parentheses = 0;
+    };
 
     void startWord() {
-        word_.clear();
-        typed_.clear();
-        isWord_ = false;
+        state_.word.clear();
+        state_.typed.clear();
+        state_.isWord = false;
+        state_.isKnown = true;
     }
 
-    bool readUnquoted(char character) {
-        if (std::string_view(" \t").find(character) != npos) {
-            endWord();
-        } else if (std::string_view(";|&(\n").find(character) != npos) {
-            return true;
-        } else if (character == '<' || character == '>') {
-            // The number of a descriptor belongs to the redirection.
-            if (!word_.empty() && word_.find_first_not_of("0123456789") == npos) {
-                startWord();
-            }
-            endWord();
-            isRedirection_ = true;
+    void append(char character) { state_.word += character; }
+
+    void endQuote() { state_.quote = '\0'; }
+
+    void readEscaped(char character) {
+        state_.quote = std::exchange(state_.outerQuote, '\0');
+        // Between double quotes a backslash is a character of its own in front of most others.
+        if (state_.quote != '\0' && std::string_view("\"\\$`").find(character) == npos) {
+            append('\\');
+        }
+        append(character);
+    }
+
+    /// Where "$" and "`" have their meaning: outside quotes and between double ones.
+    bool readExpanded(char character, char previous, char next) {
+        const bool isQuoted = state_.quote == '"';
+        if (character == '`' && state_.closer == '`') {
+            return leave();
+        }
+        if (character == '$' || character == '`' || character == '!') {
+            state_.isKnown = false;
+        }
+        if (character == '`') {
+            enter('`');
+        } else if (previous == '$' && character == '(') {
+            enter(')');
+        } else if (previous == '$' && character == '{') {
+            enter('}');
+        } else if (isQuoted && character == '"') {
+            endQuote();
+        } else if (isQuoted) {
+            append(character);
         } else {
-            word_ += character;
+            return readUnquoted(character, previous, next);
         }
         return false;
     }
 
-    std::vector<std::string> words_;
-    std::string word_;
-    std::string typed_;
-    char quote_ = '\0';
-    /// The quote around a backslash.
-    char outer_ = '\0';
-    /// Whether a word has begun, though it may be empty yet.
-    bool isWord_ = false;
-    bool isRedirection_ = false;
+    bool readUnquoted(char character, char previous, char next) {
+        if (character == state_.closer && state_.parentheses-- == 0) {
+            return leave();
+        }
+        const bool isInWord = state_.isWord || !state_.word.empty();
+        switch (character) {
+        case '\'':
+        case '"':
+            state_.quote = character == '\'' && previous == '$' ? '$' : character;
+            beginWord();
+            return false;
+        case ' ':
+        case '\t':
+            endWord();
+            return false;
+        case '<':
+        case '>':
+            // The number of a descriptor belongs to the redirection.
+            if (!state_.isWord && state_.word.find_first_not_of("0123456789") == npos) {
+                startWord();
+            }
+            endWord();
+            state_.isRedirection = true;
+            return false;
+        case '(':
+            if (previous == '<' || previous == '>') {
+                state_.isRedirection = false;
+                state_.isKnown = false;
+                enter(')');
+                return false;
+            }
+            state_.parentheses += state_.closer == ')' ? 1 : 0;
+            return true;
+        case '|':
+        case '&':
+            // A part of ">|", ">&" or "&>".
+            return previous != '>' && previous != '<' && !(character == '&' && next == '>');
+        case ')':
+        case ';':
+        case '\n':
+            return true;
+        case '#':
+            state_.quote = isInWord ? '\0' : '#';
+            break;
+        case '~':
+            state_.isKnown = state_.isKnown && isInWord && previous != '=' && previous != ':';
+            break;
+        case '*':
+        case '?':
+        case '[':
+        case '{':
+            state_.isKnown = false;
+            break;
+        default:
+            break;
+        }
+        append(character);
+        return false;
+    }
+
+    /// A substitution has words of its own; around it, it is a part of a word that nobody knows.
+    void enter(char closer) {
+        beginWord();
+        if (around_.size() == deepest) {
+            isTooDeep_ = true;
+            return;
+        }
+        around_.push_back(std::move(state_));
+        state_ = State{};
+        state_.closer = closer;
+        previous_ = '\0';
+    }
+
+    /// As read().
+    bool leave() {
+        previous_ = '\0';
+        if (around_.size() == floor_) {
+            return true;
+        }
+        state_ = std::move(around_.back());
+        around_.pop_back();
+        return false;
+    }
+
+    static constexpr std::size_t deepest = 100;
+
+    State state_;
+    std::vector<State> around_;
+    std::size_t floor_ = 0;
+    bool isTooDeep_ = false;
+    /// The character before, where it had its meaning.
+    char previous_ = '\0';
 };
 
 /// The text as bash reads it back, within the quote that is open.
@@ -115,11 +252,18 @@ std::string quoted(std::string_view text, char openQuote) {
     return result;
 }
 
+/// Whether bash leaves the quoted text as it is. Between double quotes it would put a command of
+/// its history in place of "!"; and it takes a text that ends with the open quote for closed.
+bool canStandIn(char openQuote, const std::string& text) {
+    return openQuote == '\0' || (!text.ends_with(openQuote) &&
+                                 (openQuote == '\'' || text.find('!') == std::string::npos));
+}
+
 /// The unquoted form of a part of a word.
 std::string unquoted(std::string_view typed) {
     Splitter splitter;
     for (const char character : typed) {
-        splitter.read(character);
+        splitter.read(character, '\0');
     }
     return splitter.line().words.back();
 }
@@ -127,9 +271,12 @@ std::string unquoted(std::string_view typed) {
 } // namespace
 
 BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor) {
+    const auto next = [](std::string_view text, std::size_t place) {
+        return place + 1 < text.size() ? text[place + 1] : '\0';
+    };
     Splitter splitter;
-    for (const char character : beforeCursor) {
-        if (splitter.read(character)) {
+    for (std::size_t place = 0; place < beforeCursor.size(); ++place) {
+        if (splitter.read(beforeCursor[place], next(beforeCursor, place))) {
             splitter.startCommand();
         }
     }
@@ -138,15 +285,18 @@ BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCurs
         return line;
     }
     splitter.beginWord();
-    for (const char character : afterCursor) {
-        if (splitter.read(character)) {
+    splitter.stayWithin();
+    for (std::size_t place = 0; place < afterCursor.size(); ++place) {
+        if (splitter.read(afterCursor[place], next(afterCursor, place))) {
             break;
         }
     }
     splitter.endWord();
     // What is left of the word being typed belongs to no other word.
-    const auto rest = splitter.words().begin() + static_cast<std::ptrdiff_t>(line.words.size());
-    line.words.insert(line.words.end(), rest, splitter.words().end());
+    const auto& words = splitter.words();
+    for (std::size_t place = line.words.size(); place < words.size(); ++place) {
+        line.words.push_back(words[place]);
+    }
     return line;
 }
 
@@ -170,22 +320,20 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
         kept.remove_suffix(1);
     }
     const std::size_t start = unquoted(kept).size();
-    // Before version 4 a function can't change how bash goes on, so nothing is left to bash there.
-    const bool mayChangeOptions = request.version >= 4;
     std::vector<std::string> lines{""};
     for (const Candidate& candidate : completions.candidates) {
-        // Between double quotes bash would put a command of its history in place of "!", and
-        // nothing can keep it from that.
-        const bool isSafe = line.openQuote != '"' || candidate.value.find('!') == std::string::npos;
-        if (isSafe && candidate.value.starts_with(line.words[line.index])) {
-            const auto rest = std::string_view(candidate.value).substr(start);
-            lines.push_back(completions.folders && mayChangeOptions ? std::string(rest)
-                                                                    : quoted(rest, line.openQuote));
+        if (line.isKnown && candidate.value.starts_with(line.words[line.index]) &&
+            canStandIn(line.openQuote, candidate.value)) {
+            lines.push_back(
+                quoted(std::string_view(candidate.value).substr(start), line.openQuote));
         }
     }
     const bool goesOn = lines.size() == 2 && lines.back().ends_with('=');
-    lines.front() = goesOn ? "nospace" : shellsOwn(completions);
-    if (goesOn && !mayChangeOptions) {
+    // Bash quotes what it finds itself, and nothing of what it is given; so it gets to do the one
+    // or the other.
+    lines.front() = goesOn ? "nospace" : lines.size() == 1 ? shellsOwn(completions) : "nothing";
+    // Before version 4 a function can't change how bash goes on.
+    if (goesOn && request.version < 4) {
         // Two that begin alike are completed so far without a space behind them.
         lines.push_back(lines.back() + "...");
     }

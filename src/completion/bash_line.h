@@ -21,9 +21,12 @@ struct BashLine {
     char openQuote = '\0';
     /// Whether the word being typed is the file of a redirection.
     bool isRedirection = false;
+    /// Whether bash will take that word as it is: nothing in it is expanded.
+    bool isKnown = true;
 };
 
-/// Splits a command line at the cursor, as bash would. Nothing is expanded.
+/// Splits a command line at the cursor, as bash would. Nothing is expanded: where a substitution
+/// is open, the words are those of the command in it, and one that is closed is a part of a word.
 BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor);
 
 /// How bash asks: COMP_LINE in two pieces, its major version, and the part of the last word that it
@@ -36,7 +39,8 @@ struct BashRequest {
 };
 
 /// The lines of the answer: which of bash's own completions are wanted ("files", "folders",
-/// "nospace", "nothing"), then what goes into COMPREPLY.
+/// "nospace", "nothing"), then what goes into COMPREPLY, quoted so that bash takes it for that very
+/// word.
 std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const Surroundings& surroundings);
 

@@ -212,12 +212,15 @@ private:
     void addKnownValues(ValueKind kind) {
         try {
             Application application(socketPath(), surroundings_.deadline);
-            for (const Candidate& candidate :
-                 knownValues(kind, line_, surroundings_.currentDirectory, application)) {
-                if (completions_.candidates.size() < mostCandidates && !candidate.value.empty() &&
-                    isHarmless(candidate.value)) {
-                    add(candidate.value,
-                        isHarmless(candidate.description) ? candidate.description : "");
+            const auto known =
+                knownValues(kind, line_, surroundings_.currentDirectory, application);
+            // Those that begin like what is typed come first, lest the others leave them no room.
+            for (const bool fits : {true, false}) {
+                for (const auto& [value, description] : known) {
+                    if (value.starts_with(line_.current()) == fits && !value.empty() &&
+                        completions_.candidates.size() < mostCandidates && isHarmless(value)) {
+                        add(value, isHarmless(description) ? description : "");
+                    }
                 }
             }
         } catch (const json::EncodingError&) {

@@ -2,6 +2,7 @@
 // for the files in completions/, says nothing when something is wrong, and always ends with 0.
 //
 //     fernlow-complete words INDEX [WORD...]
+//     fernlow-complete fish INDEX [WORD...]
 //     fernlow-complete bash VERSION BEFORE AFTER REPLACED
 //
 // The first line names the shell's own completions that are wanted too; each further one is a
@@ -29,7 +30,12 @@ std::string completeWords(const std::vector<std::string>& arguments,
     const auto completions = complete({arguments.begin() + 2, arguments.end()},
                                       static_cast<std::size_t>(index), surroundings);
     std::string text(shellsOwn(completions));
+    const bool isFish = arguments.front() == "fish";
     for (const Candidate& candidate : completions.candidates) {
+        // fish quotes all but this, and makes a home folder of it.
+        if (isFish && candidate.value.starts_with('~')) {
+            continue;
+        }
         text += "\n" + candidate.value + "\t" + candidate.description;
     }
     return text;
