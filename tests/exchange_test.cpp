@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -122,14 +123,9 @@ TEST(Exchange, WaitsAsLongAsTheRequestMayTakeAndThirtySeconds) {
         {R"([{"timeoutSeconds":10}])", 630},
     };
     for (const auto& [body, seconds] : cases) {
-        ScriptedPeer peer({[](Connection& connection) { connection.waitUntilGone(); }});
-        const auto socket = AgentSocketClient::connect(peer.path(), replyTimeoutSeconds(body));
-        for (const int option : {SO_RCVTIMEO, SO_SNDTIMEO}) {
-            timeval timeout{};
-            socklen_t size = sizeof timeout;
-            ::getsockopt(socket.get(), SOL_SOCKET, option, &timeout, &size);
-            EXPECT_EQ(timeout.tv_sec, seconds) << body;
-        }
+        const auto now = Patience::Clock::now();
+        const auto patience = patienceFor(replyTimeoutSeconds(body)).deadline() - now;
+        EXPECT_EQ(std::chrono::floor<std::chrono::seconds>(patience).count(), seconds) << body;
     }
 }
 
@@ -141,11 +137,41 @@ TEST(Exchange, NeverUsesAStandardStreamsNumber) {
         for (const int stream : {0, 1, 2}) {
             ::close(stream);
         }
-        ::_exit(AgentSocketClient::connect(path, 0).get());
+        const fernlow::Connection connection(path, patienceFor(0));
+        ::_exit(::fcntl(0, F_GETFD) == -1 && ::fcntl(1, F_GETFD) == -1 &&
+                ::fcntl(2, F_GETFD) == -1);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
-    EXPECT_GT(WEXITSTATUS(status), 2);
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+TEST(Exchange, OutlastsBeingStoppedAndContinued) {
+    void* const shared =
+        ::mmap(nullptr, sizeof(pid_t), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    auto* const process = static_cast<volatile pid_t*>(shared);
+    const auto stopAndContinue = [process] {
+        for (const int signal : {SIGSTOP, SIGCONT}) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            ::kill(*process, signal);
+        }
+    };
+    ScriptedPeer peer({[&](Connection& connection) {
+        stopAndContinue();
+        connection.readRequest();
+        for (const char* part : {"HTTP/1.1 200 OK\r\n\r\n", R"({"ok":true,)", R"("result":{}})"}) {
+            stopAndContinue();
+            connection.write(part);
+        }
+    }});
+    ProgramRun run{{"--socket", peer.path(), "process"}};
+    // More than the socket takes while nobody reads.
+    run.arguments.resize(15, "/" + std::string(100000, 'x'));
+    run.prepare = [process] { *process = ::getpid(); };
+    EXPECT_EQ(runProgram(run), (Outcome{R"({"ok":true,"result":{}})"
+                                        "\n",
+                                        "", 0}));
+    ::munmap(shared, sizeof(pid_t));
 }
 
 } // namespace

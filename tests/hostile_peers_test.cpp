@@ -78,19 +78,6 @@ TEST(HostilePeer, IsGivenUpWhenItStalls) {
     }
 }
 
-TEST(HostilePeer, IsGivenUpWhenAReadIsInterrupted) {
-    struct sigaction interrupting{};
-    interrupting.sa_handler = [](int /*signal*/) {};
-    ::sigaction(SIGUSR1, &interrupting, nullptr);
-    ScriptedPeer peer({[client = ::pthread_self()](Connection& connection) {
-        connection.readRequest();
-        while (!connection.isGone()) {
-            ::pthread_kill(client, SIGUSR1);
-        }
-    }});
-    EXPECT_EQ(runAgainst(peer, "status"), readFailed);
-}
-
 // A path is shown again with each of its issues: 390 kB of reply would be 9 GB of text.
 TEST(HostilePeer, IsNotShownWithoutEnd) {
     std::string issues = "{}";

@@ -39,11 +39,13 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
     const struct {
         const char* typed;
         const char* shown;
+        /// What is written behind the text.
+        const char* end = "";
     } cases[] = {
         {"caf\u00e9\t\u2192 \x1B[1;31mred\x1B[m\x1B[0m",
          "caf\u00e9\t\u2192 \x1B[1;31mred\x1B[m\x1B[0m"},
         {"\x1B]52;c;AA\x07 \x1B[2J", "\uFFFD]52;c;AA\uFFFD \uFFFD[2J"},
-        {"\x1B[31\x1B[31m\x1B[3\u00e9m\x1B[", "\uFFFD[31\x1B[31m\uFFFD[3\u00e9m\uFFFD["},
+        {"\x1B[31\x1B[31m\x1B[3\u00e9m\x1B[", "\uFFFD[31\x1B[31m\uFFFD[3\u00e9m\uFFFD[", "\x1B[0m"},
         {"a\r\nb\rc\r\r\n", "a\r\r\nb\uFFFDc\uFFFD\r\r\n"},
         {"\x01\x1F \x7F~", "\uFFFD\uFFFD \uFFFD~"},
         {"\u007f\u0080\u009f\u00a0", "\uFFFD\uFFFD\uFFFD\u00a0"},
@@ -52,16 +54,18 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
          "\u2029\uFFFD\uFFFD\u202f\u2065\uFFFD\uFFFD\u206a"},
         {"\x9B"
          "2J \xC3\x9B \xC3(\xE2\x80",
-         "\uFFFD2J \u00db \xC3(\xE2\x80"},
+         "\uFFFD2J \u00db \uFFFD(\uFFFD"},
+        {"\x1B[1mbold\x1B[00m", "\x1B[1mbold\x1B[00m"},
+        {"\x1B[8mhidden\x1B[31", "\x1B[8mhidden\uFFFD[31", "\x1B[0m"},
         {"\x1B", "\uFFFD"},
     };
-    for (const auto& [typed, shown] : cases) {
+    for (const auto& [typed, shown, end] : cases) {
         ProgramRun run{{typed}};
         EXPECT_EQ(runProgram(run).standardError.find(typed), 13U) << "untouched in a pipe";
         run.inTerminal = true;
         EXPECT_EQ(runProgram(run).standardOutput,
                   "There is no \"" + std::string(shown) +
-                      "\" command. Run \"fernlow --help\" to see what there is.\r\n");
+                      "\" command. Run \"fernlow --help\" to see what there is." + end + "\r\n");
     }
 }
 

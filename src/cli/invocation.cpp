@@ -23,10 +23,13 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
     AgentCLIInvocation invocation;
     invocation.wantsJSON = !standardOutputIsTerminal || globals.has(options::json);
     invocation.launchIfNeeded = !globals.has(options::noLaunch);
-    // Asking the user database costs more than all the rest, so only where the answer is used.
-    const std::string* const socketPath = globals.socketPath();
-    invocation.socketPath = socketPath != nullptr ? *socketPath : defaultSocketPath();
     invocation.action = parseCommand(std::move(words), currentDirectory);
+    // Asking for the usual one costs more than all the rest, so only where it is used.
+    if (const std::string* const socketPath = globals.socketPath()) {
+        invocation.socketPath = *socketPath;
+    } else if (invocation.action.isSent()) {
+        invocation.socketPath = defaultSocketPath();
+    }
     return invocation;
 }
 

@@ -13,7 +13,8 @@ struct AgentCLIInvocation {
     AgentCLIAction action;
     /// Print the reply as JSON; the default where standard output is not a terminal.
     bool wantsJSON = false;
-    /// The socket to use, as typed or the usual one.
+    /// The socket to use, as typed or the usual one. Empty where nothing is to be sent and none was
+    /// typed.
     std::string socketPath;
     /// Whether the application may be started when nobody listens.
     bool launchIfNeeded = true;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "commands/paths.h"
-#include "transport/launcher.h"
+#include "transport/socket_client.h"
 
 #include <unistd.h>
 

@@ -39,10 +39,10 @@ std::size_t colourLength(std::string_view text) {
     return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
 }
 
+/// Whether a well-formed character is one that a terminal obeys.
 bool isControl(std::string_view character) {
     if (character.size() == 1) {
-        const auto byte = static_cast<unsigned char>(character.front());
-        return byte < 0x20 || (byte >= 0x7F && byte < 0xA0);
+        return character.front() < ' ' || character.front() == '\x7F';
     }
     // C1 is U+0080 to U+009F; the others are U+202A to U+202E and U+2066 to U+2069.
     // NOLINTBEGIN(misc-misleading-bidirectional): they are what is looked for.
@@ -52,70 +52,86 @@ bool isControl(std::string_view character) {
     // NOLINTEND(misc-misleading-bidirectional)
 }
 
-/// One step through a text: how far it leads, and whether it is over a control character.
-struct Step {
-    std::size_t length;
-    bool overControl;
+/// Goes through a text from one place that isn't fit for a terminal to the next.
+class Scan {
+public:
+    explicit Scan(std::string_view text) : text_(text) {}
+
+    /// The text up to the next such place.
+    std::string_view takeHarmless() {
+        std::size_t at = 0;
+        while (at < text_.size()) {
+            if (beginsPrintable(text_.substr(at))) {
+                at += 8;
+            } else if (isPrintableASCII(text_[at])) {
+                ++at;
+            } else if (const std::size_t length = harmlessLength(text_.substr(at)); length > 0) {
+                at += length;
+            } else {
+                break;
+            }
+        }
+        const std::string_view harmless = text_.substr(0, at);
+        text_.remove_prefix(at);
+        return harmless;
+    }
+
+    /// Passes over that place.
+    void skip() { text_.remove_prefix(utf8::firstSequence(text_).length); }
+
+    [[nodiscard]] bool isOver() const { return text_.empty(); }
+
+    /// Whether a colour has been switched on since the last that switched all off.
+    [[nodiscard]] bool isColoured() const { return isColoured_; }
+
+private:
+    /// How long the character or colour is that the text begins with; 0 where it isn't harmless.
+    std::size_t harmlessLength(std::string_view text) {
+        switch (text.front()) {
+        case '\t':
+        case '\n':
+            return 1;
+        case '\r':
+            // The text's own end counts: a line break is written behind it.
+            return text.size() == 1 || text[1] == '\n' ? 1 : 0;
+        case escape: {
+            const std::size_t length = colourLength(text);
+            if (length > 0) {
+                isColoured_ =
+                    text.substr(0, length).find_first_not_of("\x1B[0;m") != std::string_view::npos;
+            }
+            return length;
+        }
+        default: {
+            const auto [length, wellFormed] = utf8::firstSequence(text);
+            return wellFormed && !isControl(text.substr(0, length)) ? length : 0;
+        }
+        }
+    }
+
+    std::string_view text_;
+    bool isColoured_ = false;
 };
-
-Step firstStep(std::string_view text) {
-    switch (text.front()) {
-    case '\t':
-    case '\n':
-        return {1, false};
-    case '\r':
-        // The text's own end counts: a line break is written behind it.
-        return {1, text.size() > 1 && text[1] != '\n'};
-    case escape: {
-        const std::size_t colour = colourLength(text);
-        return {std::max<std::size_t>(colour, 1), colour == 0};
-    }
-    default: {
-        const std::size_t length = utf8::firstSequence(text).length;
-        return {length, isControl(text.substr(0, length))};
-    }
-    }
-}
-
-/// Where the first control character stands; the text's size where there is none.
-std::size_t firstControl(std::string_view text) {
-    std::size_t at = 0;
-    while (at < text.size()) {
-        if (beginsPrintable(text.substr(at))) {
-            at += 8;
-            continue;
-        }
-        if (isPrintableASCII(text[at])) {
-            ++at;
-            continue;
-        }
-        const Step step = firstStep(text.substr(at));
-        if (step.overControl) {
-            break;
-        }
-        at += step.length;
-    }
-    return at;
-}
 
 } // namespace
 
 std::optional<ByteBuffer> withVisibleControls(std::string_view text) {
-    std::size_t harmless = firstControl(text);
-    if (harmless == text.size()) {
+    Scan scan(text);
+    std::string_view harmless = scan.takeHarmless();
+    if (scan.isOver() && !scan.isColoured()) {
         return std::nullopt;
     }
     ByteBuffer visible;
-    for (;;) {
-        visible.append(text.substr(0, harmless));
-        text.remove_prefix(harmless);
-        if (text.empty()) {
-            return visible;
-        }
+    visible.append(harmless);
+    while (!scan.isOver()) {
         visible.append(utf8::replacementCharacter);
-        text.remove_prefix(firstStep(text).length);
-        harmless = firstControl(text);
+        scan.skip();
+        visible.append(scan.takeHarmless());
     }
+    if (scan.isColoured()) {
+        visible.append("\x1B[0m");
+    }
+    return visible;
 }
 
 } // namespace fernlow

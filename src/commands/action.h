@@ -27,6 +27,11 @@ struct AgentCLIAction {
 
     std::variant<get, post, help, version> kind;
 
+    /// Whether the application is asked; else this program answers.
+    [[nodiscard]] bool isSent() const {
+        return std::holds_alternative<get>(kind) || std::holds_alternative<post>(kind);
+    }
+
     bool operator==(const AgentCLIAction&) const = default;
 };
 

@@ -2,157 +2,74 @@
 
 #include "platform/platform.h"
 #include "transport/socket_client_error.h"
-
-#include <fcntl.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include "transport/socket_location.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
-#include <utility>
+#include <thread>
 #include <variant>
 
 namespace fernlow {
 
 namespace {
 
-/// The same on every system, though the address would hold four bytes more on Linux.
-constexpr int longestSocketPath = 103;
-static_assert(sizeof(sockaddr_un::sun_path) > longestSocketPath);
-
-constexpr std::size_t readSize = 16384;
-
 /// No reply comes near it. A peer that never stops sending is stopped here, before it has used up
 /// the machine.
 constexpr std::size_t longestReply = std::size_t{256} * 1024 * 1024;
 
-/// A descriptor of a new stream socket, or -1.
-int openSocket() {
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    if (descriptor < 0 || descriptor > STDERR_FILENO) {
-        return descriptor;
-    }
-    // We were started with a standard stream closed, and the socket has taken its place: a message
-    // for the user would be written to the application.
-    const int moved = ::fcntl(descriptor, F_DUPFD, STDERR_FILENO + 1);
-    ::close(descriptor);
-    return moved;
-}
-
-timeval socketTimeout(std::chrono::microseconds patience) {
-    timeval timeout{};
-    timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(patience.count() / 1'000'000);
-    timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(patience.count() % 1'000'000);
-    return timeout;
-}
-
-void writeAll(const SocketDescriptor& socket, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written =
-            platform::sendWithoutSignal(socket.get(), bytes.data(), bytes.size());
-        if (written <= 0) {
-            throw AgentSocketClientError(AgentSocketClientError::writeFailed{});
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
-
-ByteBuffer readToEnd(const SocketDescriptor& socket) {
-    ByteBuffer bytes;
-    for (;;) {
-        const ssize_t count = ::read(socket.get(), bytes.room(readSize), readSize);
-        if (count < 0) {
-            throw AgentSocketClientError(AgentSocketClientError::readFailed{});
-        }
-        if (count == 0) {
-            return bytes;
-        }
-        bytes.commit(static_cast<std::size_t>(count));
-        if (bytes.view().size() > longestReply) {
-            throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
-        }
-    }
-}
-
 bool somebodyListens(const std::string& socketPath) {
     try {
-        AgentSocketClient::connect(socketPath, 0);
+        const Connection connection(socketPath, patienceFor(0));
         return true;
     } catch (const AgentSocketClientError&) {
         return false;
     }
 }
 
-AgentReply attempt(const std::string& socketPath, const AgentRequest& request) {
-    ByteBuffer bytes;
-    {
-        const SocketDescriptor socket =
-            AgentSocketClient::connect(socketPath, replyTimeoutSeconds(request.body));
-        writeAll(socket, requestBytes(request));
-        bytes = readToEnd(socket);
-    }
-    return parseReply(std::move(bytes));
-}
-
 } // namespace
 
-SocketDescriptor::~SocketDescriptor() {
-    if (descriptor_ >= 0) {
-        ::close(descriptor_);
-    }
-}
-
-SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
-                                            double replyTimeoutSeconds) {
+Patience patienceFor(double replyTimeoutSeconds) {
     // Thirty years: no machine waits longer, and systems count further in units that overflow.
     constexpr double longest = 1e9;
     const auto seconds =
         static_cast<std::int64_t>(std::clamp(replyTimeoutSeconds + 30, 5.0, longest));
-    return connect(socketPath, std::chrono::seconds(seconds));
+    return Patience::forEach(std::chrono::seconds(seconds));
 }
 
-SocketDescriptor AgentSocketClient::connect(const std::string& socketPath,
-                                            std::chrono::microseconds patience) {
-    if (socketPath.size() > longestSocketPath) {
-        throw AgentSocketClientError(
-            AgentSocketClientError::pathTooLong{socketPath, longestSocketPath});
+AgentReply exchangeOnce(const std::string& socketPath, const AgentRequest& request,
+                        const Patience& patience, std::size_t longest) {
+    ByteBuffer bytes;
+    {
+        Connection connection(socketPath, patience);
+        connection.write(requestBytes(request));
+        bytes = connection.readToEnd(longest);
     }
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, socketPath.data(), socketPath.size());
-
-    SocketDescriptor socket(openSocket());
-    // Linux would take an empty path for an abstract address, which somebody else may listen on.
-    if (socket.get() < 0 || socketPath.empty()) {
-        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
-    }
-    platform::prepareSocket(socket.get());
-    const timeval timeout = socketTimeout(patience);
-    ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
-    ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
-    // The whole structure's length is passed, not the path's: the zero bytes behind the path end
-    // it. The length byte that the structure begins with on macOS is not looked at there.
-    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
-    }
-    return socket;
+    return parseReply(std::move(bytes));
 }
 
 AgentReply AgentSocketClient::exchange(const std::string& socketPath, bool launchIfNeeded,
                                        const AgentRequest& request) const {
+    const Patience patience = patienceFor(replyTimeoutSeconds(request.body));
     try {
-        return attempt(socketPath, request);
+        return exchangeOnce(socketPath, request, patience, longestReply);
     } catch (const AgentSocketClientError& error) {
         if (!launchIfNeeded ||
             !std::holds_alternative<AgentSocketClientError::notRunning>(error.kind())) {
             throw;
         }
     }
-    launchApplication(socketPath, launch_, somebodyListens);
-    return attempt(socketPath, request);
+    launchApplication(socketPath);
+    return exchangeOnce(socketPath, request, patience, longestReply);
+}
+
+/// Has the system start the application in the background, and waits until its socket accepts a
+/// connection or patience runs out. Never fails: whoever connects next finds out.
+void AgentSocketClient::launchApplication(const std::string& socketPath) const {
+    platform::runProgram(launch_.program, {"-g", "-b", applicationBundleIdentifier});
+    const auto deadline = std::chrono::steady_clock::now() + launch_.patience;
+    while (std::chrono::steady_clock::now() < deadline && !somebodyListens(socketPath)) {
+        std::this_thread::sleep_for(launch_.pollInterval);
+    }
 }
 
 } // namespace fernlow

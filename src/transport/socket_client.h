@@ -1,52 +1,46 @@
 #pragma once
 
+#include "transport/connection.h"
 #include "transport/http.h"
-#include "transport/launcher.h"
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <utility>
 
 namespace fernlow {
 
-/// An open socket, closed when it goes.
-class SocketDescriptor {
-public:
-    explicit SocketDescriptor(int descriptor) : descriptor_(descriptor) {}
-    SocketDescriptor(SocketDescriptor&& other) noexcept
-        : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    SocketDescriptor& operator=(SocketDescriptor&&) = delete;
-    SocketDescriptor(const SocketDescriptor&) = delete;
-    SocketDescriptor& operator=(const SocketDescriptor&) = delete;
-    ~SocketDescriptor();
-
-    [[nodiscard]] int get() const { return descriptor_; }
-
-private:
-    int descriptor_;
+/// How the application is started.
+struct LaunchSettings {
+    /// Run as `program -g -b <bundle identifier>`.
+    std::string program = "/usr/bin/open";
+    std::chrono::milliseconds pollInterval{200};
+    /// How long to wait for the application to listen, once the program has ended.
+    std::chrono::milliseconds patience{25000};
 };
 
+/// Sends the request over a connection of its own and reads until the application closes it. Throws
+/// AgentSocketClientError; a reply longer than `longestReply` bytes is a `malformedResponse`.
+AgentReply exchangeOnce(const std::string& socketPath, const AgentRequest& request,
+                        const Patience& patience, std::size_t longestReply);
+
+/// How long connecting, and each read and write, may take for a request that the application has
+/// this many seconds to answer: 30 more, at least 5.
+Patience patienceFor(double replyTimeoutSeconds);
+
 /// Carries one request to the application and brings one reply back, over its Unix-domain socket.
-/// Everything blocks, each read and write no longer than the reply timeout and 30 seconds.
 class AgentSocketClient {
 public:
     explicit AgentSocketClient(LaunchSettings launch) : launch_(std::move(launch)) {}
 
-    /// Sends the request and reads until the application closes the connection. When nobody
-    /// listens and `launchIfNeeded`, starts the application and tries once more. Throws
-    /// AgentSocketClientError. The path is UTF-8 and used as it is.
+    /// exchangeOnce() with the patience that the request asks for. When nobody listens and
+    /// `launchIfNeeded`, starts the application and tries once more.
     [[nodiscard]] AgentReply exchange(const std::string& socketPath, bool launchIfNeeded,
                                       const AgentRequest& request) const;
 
-    /// A connected socket whose reads and writes give up after the timeout and 30 seconds, but not
-    /// before 5. Throws AgentSocketClientError `pathTooLong` or `notRunning`.
-    static SocketDescriptor connect(const std::string& socketPath, double replyTimeoutSeconds);
-
-    /// The same, but each of connecting, reading and writing gives up after `patience`.
-    static SocketDescriptor connect(const std::string& socketPath,
-                                    std::chrono::microseconds patience);
-
 private:
+    void launchApplication(const std::string& socketPath) const;
+
     LaunchSettings launch_;
 };
 

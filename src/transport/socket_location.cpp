@@ -7,7 +7,9 @@
 namespace fernlow {
 
 std::string defaultSocketPath() {
-    return socketPathIn(platform::applicationSupportFolder(), platform::homeFolder());
+    const std::string support = platform::applicationSupportFolder();
+    // Asking the user database takes longer than all the rest.
+    return socketPathIn(support, support.starts_with('/') ? std::nullopt : platform::homeFolder());
 }
 
 std::string socketPathIn(const std::string& support, const std::optional<std::string>& home) {

@@ -109,7 +109,7 @@ StandIn::StandIn(const std::string& socketPath) {
     }
     for (int attempt = 0; attempt < 500; ++attempt) {
         try {
-            AgentSocketClient::connect(socketPath, 0);
+            const Connection connection(socketPath, patienceFor(0));
             return;
         } catch (const AgentSocketClientError&) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
