@@ -150,13 +150,13 @@ TEST(Completion, WaitsForNobody) {
         const ScriptedPeer peer({script});
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(completed("--socket " + peer.path() + " remove "), "+folders");
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     }
     const ScriptedPeer peer({[](auto& silent) { silent.waitUntilGone(); }});
     const auto start = std::chrono::steady_clock::now();
     const std::string engine = "'" FERNLOW_COMPLETE "' words 3 --socket " + peer.path();
     EXPECT_EQ(std::system((engine + " remove '' >/dev/null").c_str()), 0);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(800));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 TEST(Completion, SaysNothingOfWhatIsWrong) {

@@ -66,11 +66,6 @@ TEST(Exchange, FramesReplies) {
     }
 }
 
-TEST(Exchange, ReadsTheStatusCode) {
-    EXPECT_EQ(parseReply(ByteBuffer("HTTP/1.1  404  Not Found\r\n\r\nbody")).statusCode, 404);
-    EXPECT_EQ(parseReply(ByteBuffer("x -7\r\n\r\n")).statusCode, -7);
-}
-
 TEST(Exchange, FindsNobodyListening) {
     const TemporaryFolder folder;
     ::close(::open(folder.file("regular").c_str(), O_CREAT | O_WRONLY, 0600));
