@@ -46,8 +46,7 @@ std::optional<SettingValues> decodeSettingValues(std::string_view text) {
         return std::nullopt;
     }
     SettingValues values;
-    for (const std::uint32_t place : object->sortedMembers()) {
-        const auto [key, value] = object->member(place);
+    for (const auto [key, value] : object->sortedMembers()) {
         const auto decoded = decodeSettingValue(value);
         if (!decoded) {
             return std::nullopt;

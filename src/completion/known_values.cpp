@@ -51,8 +51,8 @@ json::List<json::Object> rowsOf(std::optional<json::Value> result) {
 std::vector<json::Member> membersOf(const std::optional<json::Object>& object) {
     std::vector<json::Member> members;
     if (object) {
-        for (const std::uint32_t place : object->sortedMembers()) {
-            members.push_back(object->member(place));
+        for (const json::Member member : object->sortedMembers()) {
+            members.push_back(member);
         }
     }
     return members;

@@ -155,7 +155,7 @@ bool Object::isEmpty() const {
     return value_.tape_->nodes[value_.index_].place == value_.index_ + 1;
 }
 
-std::vector<std::uint32_t> Object::sortedMembers() const {
+Members Object::sortedMembers() const {
     const detail::Tape& tape = *value_.tape_;
     const std::uint32_t end = tape.nodes[value_.index_].place;
     std::vector<std::uint32_t> places;
@@ -174,12 +174,11 @@ std::vector<std::uint32_t> Object::sortedMembers() const {
         return key(one) == key(other);
     };
     places.erase(std::unique(places.begin(), places.end(), isSame), places.end());
-    return places;
+    return {&tape, std::move(places)};
 }
 
-Member Object::member(std::uint32_t place) const {
-    const detail::Tape& tape = *value_.tape_;
-    return {tape.slice(tape.nodes[place]), Value(&tape, place + 1)};
+Member Members::Iterator::operator*() const {
+    return {tape_->slice(tape_->nodes[*place_]), Value(tape_, *place_ + 1)};
 }
 
 template <class Type>

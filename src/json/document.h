@@ -6,12 +6,13 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace fernlow::json {
 
 class Object;
-struct Member;
+class Members;
 
 namespace detail {
 struct Tape;
@@ -80,6 +81,7 @@ public:
 private:
     friend class Document;
     friend class Object;
+    friend class Members;
     template <class Item>
     friend class List;
     Value(const detail::Tape* tape, std::uint32_t index) : tape_(tape), index_(index) {}
@@ -97,10 +99,8 @@ class Object {
 public:
     [[nodiscard]] std::optional<Value> find(std::string_view key) const;
     [[nodiscard]] bool isEmpty() const;
-    /// Each key once, in ascending order of code points (which is that of their bytes). Gives
-    /// places for member() to read, because an object may have many members and a place is small.
-    [[nodiscard]] std::vector<std::uint32_t> sortedMembers() const;
-    [[nodiscard]] Member member(std::uint32_t place) const;
+    /// Each key once, in ascending order of code points (which is that of their bytes).
+    [[nodiscard]] Members sortedMembers() const;
 
     [[nodiscard]] std::string_view text(std::string_view key) const;
     [[nodiscard]] std::optional<std::string_view> optionalText(std::string_view key) const;
@@ -130,6 +130,40 @@ private:
 struct Member {
     std::string_view key;
     Value value;
+};
+
+/// Members of an Object in an order of their own. Held are only their places, because there may be
+/// many and a place is small.
+class Members {
+public:
+    class Iterator {
+    public:
+        Member operator*() const;
+        Iterator& operator++() {
+            ++place_;
+            return *this;
+        }
+        bool operator==(const Iterator&) const = default;
+
+    private:
+        friend class Members;
+        Iterator(const detail::Tape* tape, const std::uint32_t* place)
+            : tape_(tape), place_(place) {}
+
+        const detail::Tape* tape_;
+        const std::uint32_t* place_;
+    };
+
+    [[nodiscard]] Iterator begin() const { return {tape_, places_.data()}; }
+    [[nodiscard]] Iterator end() const { return {tape_, places_.data() + places_.size()}; }
+
+private:
+    friend class Object;
+    Members(const detail::Tape* tape, std::vector<std::uint32_t> places)
+        : tape_(tape), places_(std::move(places)) {}
+
+    const detail::Tape* tape_;
+    std::vector<std::uint32_t> places_;
 };
 
 /// A parsed JSON document: RFC 8259, UTF-8, nothing more lenient. Numbers are kept as they are

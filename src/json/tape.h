@@ -20,6 +20,7 @@ struct Node {
     /// Of a text or number, where it begins; of a list or object, the index behind its last node.
     std::uint32_t place;
 };
+static_assert(sizeof(Node) == 8);
 
 constexpr std::uint32_t largestSize = (1U << 28U) - 1;
 constexpr std::size_t deepestNesting = 1024;

@@ -3,6 +3,8 @@
 
 namespace fernlow {
 
+namespace {
+
 void renderFileRow(const json::Object& file, Lines& lines) {
     const auto relativePath = file.optionalText("relativePath");
     lines.add(relativePath ? *relativePath : file.text("path"));
@@ -29,6 +31,8 @@ void renderFileRow(const json::Object& file, Lines& lines) {
         lines.add("    → ", *outputPath);
     }
 }
+
+} // namespace
 
 bool renderFileList(const json::Object& result, Lines& lines) {
     const auto files = result.optionalObjects("files");

@@ -2,10 +2,14 @@
 
 namespace fernlow {
 
+namespace {
+
 void renderLogEntry(const json::Object& entry, Lines& lines) {
     lines.add(entry.integer("cursor"), "  ", UpperCase{entry.text("severity")}, "  ",
               entry.text("title"));
 }
+
+} // namespace
 
 bool renderLog(const json::Object& result, Lines& lines) {
     const auto entries = result.optionalObjects("entries");

@@ -66,6 +66,33 @@ void renderRows(const json::List<json::Object>& rows, Lines& lines) {
     renderList(rows, areSettings ? renderSettingRow : renderProjectRow, "No projects.", lines);
 }
 
+/// 5 refused; 4 the wait expired; 1 something failed; 0 otherwise.
+int replyExitStatus(bool ok, const std::optional<json::Object>& result) {
+    if (!ok) {
+        return refused;
+    }
+    if (!result) {
+        return 0;
+    }
+    if (result->boolean("timedOut")) {
+        return waitExpired;
+    }
+    return result->integer("errorCount") >= 1 ? somethingFailed : 0;
+}
+
+/// The text that shows a person a reply that was carried out. `result` is the reply's "result"
+/// where that is an object. Throws TextTooLong when the text would have no end.
+ByteBuffer renderResult(const std::optional<json::Object>& result, const json::Object& reply) {
+    Lines lines;
+    if (const auto rows = reply.optionalObjects("result")) {
+        renderRows(*rows, lines);
+    } else if (!result || std::none_of(views.begin(), views.end(),
+                                       [&](View view) { return view(*result, lines); })) {
+        lines.add("Done.");
+    }
+    return std::move(lines).join();
+}
+
 } // namespace
 
 ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool wantsJSON) {
@@ -92,30 +119,6 @@ ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool want
     } catch (const TextTooLong&) {
         return unreadable();
     }
-}
-
-int replyExitStatus(bool ok, const std::optional<json::Object>& result) {
-    if (!ok) {
-        return refused;
-    }
-    if (!result) {
-        return 0;
-    }
-    if (result->boolean("timedOut")) {
-        return waitExpired;
-    }
-    return result->integer("errorCount") >= 1 ? somethingFailed : 0;
-}
-
-ByteBuffer renderResult(const std::optional<json::Object>& result, const json::Object& reply) {
-    Lines lines;
-    if (const auto rows = reply.optionalObjects("result")) {
-        renderRows(*rows, lines);
-    } else if (!result || std::none_of(views.begin(), views.end(),
-                                       [&](View view) { return view(*result, lines); })) {
-        lines.add("Done.");
-    }
-    return std::move(lines).join();
 }
 
 } // namespace fernlow

@@ -3,7 +3,6 @@
 #include "render/views.h"
 
 #include <cmath>
-#include <cstdint>
 
 namespace fernlow {
 
@@ -29,11 +28,24 @@ void formatNumber(std::string_view literal, Lines& lines) {
     }
 }
 
+/// Puts a setting's value behind the line being made; "(unset)" for null and whatever no setting
+/// holds.
+void formatSettingValue(const json::Value& value, Lines& lines) {
+    if (const auto texts = value.texts()) {
+        joinTexts(*texts, lines);
+    } else if (const auto boolean = value.strictBoolean()) {
+        lines.append(std::string_view(*boolean ? "true" : "false"));
+    } else if (const auto literal = value.numberLiteral()) {
+        formatNumber(*literal, lines);
+    } else {
+        lines.append(value.text().value_or("(unset)"));
+    }
+}
+
 /// Those of each language under its name. Gives whether there were any.
 bool renderLanguages(const json::Object& languages, Lines& lines) {
     bool any = false;
-    for (const std::uint32_t place : languages.sortedMembers()) {
-        const auto [name, value] = languages.member(place);
+    for (const auto [name, value] : languages.sortedMembers()) {
         const auto values = value.object();
         if (values && !values->isEmpty()) {
             lines.add();
@@ -65,21 +77,8 @@ void renderSettings(const json::Object& project, const std::optional<json::Objec
 
 } // namespace
 
-void formatSettingValue(const json::Value& value, Lines& lines) {
-    if (const auto texts = value.texts()) {
-        joinTexts(*texts, lines);
-    } else if (const auto boolean = value.strictBoolean()) {
-        lines.append(std::string_view(*boolean ? "true" : "false"));
-    } else if (const auto literal = value.numberLiteral()) {
-        formatNumber(*literal, lines);
-    } else {
-        lines.append(value.text().value_or("(unset)"));
-    }
-}
-
 void renderValues(const json::Object& values, Lines& lines) {
-    for (const std::uint32_t place : values.sortedMembers()) {
-        const auto [key, value] = values.member(place);
+    for (const auto [key, value] : values.sortedMembers()) {
         lines.add("  ", key, " = ");
         formatSettingValue(value, lines);
     }

@@ -33,7 +33,6 @@ bool renderStatus(const json::Object& result, Lines& lines);
 
 /// A result with a list of objects "entries".
 bool renderLog(const json::Object& result, Lines& lines);
-void renderLogEntry(const json::Object& entry, Lines& lines);
 
 /// The whole API. A result with texts "notes" and a list of objects "endpoints".
 bool renderSchema(const json::Object& result, Lines& lines);
@@ -41,7 +40,6 @@ bool renderSchema(const json::Object& result, Lines& lines);
 /// A page of files, with the count and where the next page begins. A result with a list of objects
 /// "files".
 bool renderFileList(const json::Object& result, Lines& lines);
-void renderFileRow(const json::Object& file, Lines& lines);
 
 /// One file and its settings. A result with an object "file".
 bool renderFile(const json::Object& result, Lines& lines);
@@ -55,10 +53,6 @@ bool renderAppliedSettings(const json::Object& result, Lines& lines);
 
 /// One line a setting: its key, ascending by code point, and its value.
 void renderValues(const json::Object& values, Lines& lines);
-
-/// Puts a setting's value behind the line being made; "(unset)" for null and whatever no setting
-/// holds.
-void formatSettingValue(const json::Value& value, Lines& lines);
 
 /// One line of a settings schema.
 void renderSettingRow(const json::Object& setting, Lines& lines);
