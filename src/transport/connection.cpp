@@ -87,11 +87,10 @@ void Connection::connect(const std::string& socketPath) {
     // at all would stand for an endless one.
     for (auto patience = left(deadline); patience > Clock::duration::zero();
          patience = left(deadline)) {
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience);
-        const auto rest = std::chrono::duration_cast<microseconds>(patience - seconds);
+        const auto wait = std::chrono::ceil<microseconds>(patience).count();
         timeval timeout{};
-        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(seconds.count());
-        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(rest.count() + 1);
+        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(wait / 1'000'000);
+        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(wait % 1'000'000);
         ::setsockopt(descriptor_, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
         // Linux would take an empty path for an abstract address, which somebody else may listen
         // on. The whole structure's length is passed, not the path's: the zero bytes behind the
