@@ -112,6 +112,10 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
          {"--output-folder .", "--output-folder build --output-name .."}) {
         EXPECT_EQ(run(std::string("files set src/print.scss ") + outside, false).status, 5);
     }
+    for (const char* const name : {R"(\u0000x)", R"(a\n)", "a/b", "..", ""}) {
+        const std::string values = R"('{"buildFolderName":")" + std::string(name) + R"("}')";
+        EXPECT_EQ(run("settings set --values " + values, false).status, 5) << name;
+    }
     EXPECT_EQ(seen("files --limit 2 --offset 2"), "src/main.js\n"
                                                   "    \u2192 SITE/build/main.js\n"
                                                   "src/print.scss  [IGNORE, action chosen]\n"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <sstream>
+#include <stdexcept>
 
 namespace fernlow::standin {
 
@@ -90,7 +91,11 @@ std::vector<std::pair<Member, bool>> membersOf(const Endpoint& endpoint) {
     for (std::string name; words >> name;) {
         const bool isOptional = name.ends_with('?');
         name.resize(name.size() - (isOptional ? 1 : 0));
-        named.emplace_back(*std::ranges::find(members(), name, &Member::name), isOptional);
+        const auto member = std::ranges::find(members(), name, &Member::name);
+        if (member == members().end()) {
+            throw std::logic_error("no member is called " + name);
+        }
+        named.emplace_back(*member, isOptional);
     }
     return named;
 }

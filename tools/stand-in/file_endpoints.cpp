@@ -80,8 +80,7 @@ Json setFile(State& state, const Json& body) {
     if (body.contains("outputFilename") && !body.contains("outputFolder")) {
         throw Refusal("An output name needs an output folder.");
     }
-    const std::string name = body.value("outputFilename", "");
-    if (name.find('/') != std::string::npos || name == "." || name == "..") {
+    if (!isPlainName(body.value("outputFilename", ""))) {
         throw Refusal("An output name is no path.");
     }
     Json output = Json::object();

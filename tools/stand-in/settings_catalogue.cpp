@@ -168,10 +168,12 @@ Json acceptedValue(const Setting& setting, Json value) {
     // A folder name that led elsewhere would have builds write and empty folders of somebody else.
     if (setting.name.ends_with("FolderName")) {
         const auto name = value.get<std::string>();
-        if (name.find('/') != std::string::npos || name.starts_with('.') ||
+        if (!isPlainName(name) || name.starts_with('.') ||
             (name.empty() && setting.defaultValue != "")) {
             throw Refusal("The setting \"" + setting.name + "\" needs the plain name of a folder.");
         }
+    } else if (setting.name.ends_with("FoldersString") && !isPathText(value)) {
+        throw Refusal("The setting \"" + setting.name + "\" needs names of folders.");
     }
     return value;
 }

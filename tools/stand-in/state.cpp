@@ -73,7 +73,20 @@ void State::advance() {
     });
 }
 
+bool isPathText(const std::string& text) {
+    return std::ranges::none_of(text, [](char character) {
+        return static_cast<unsigned char>(character) < ' ' || character == '\x7F';
+    });
+}
+
+bool isPlainName(const std::string& text) {
+    return isPathText(text) && text.find('/') == std::string::npos && text != "." && text != "..";
+}
+
 fs::path absolutePath(const std::string& text) {
+    if (!isPathText(text)) {
+        throw Refusal("A path can't hold control characters.");
+    }
     const fs::path path = fs::path(text).lexically_normal();
     if (!path.is_absolute()) {
         throw Refusal("The path \"" + text + "\" is not absolute.");

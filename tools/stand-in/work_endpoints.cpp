@@ -96,11 +96,22 @@ Answer process(State& state, const Json& body) {
     return carryOut(state, body, std::move(jobs));
 }
 
+/// Looked at once more where it happens: by then a link may lead elsewhere.
+void emptyBuildFolder(const fs::path& root, const fs::path& project) {
+    const fs::path place = fs::weakly_canonical(root);
+    const fs::path around = fs::weakly_canonical(project);
+    if (place != around && isWithin(place, around)) {
+        fs::remove_all(root);
+    }
+}
+
 Answer buildProject(State& state, const Json& body) {
     const Project& project = state.projectOf(state.projectAt(body["path"]).folder);
     Job job = {project.folder, "build", compileSteps(state, project, filesWithOutput(project))};
     if (body.value("clean", false) && outputRoot(project) != sourceFolder(project)) {
-        job.steps.insert(job.steps.begin(), [root = outputRoot(project)] { fs::remove_all(root); });
+        job.steps.insert(job.steps.begin(), [root = outputRoot(project), folder = project.folder] {
+            emptyBuildFolder(root, folder);
+        });
     }
     return carryOut(state, body, {job});
 }
