@@ -1,18 +1,18 @@
 #include "support/outcomes.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
+#include "transport/connection.h"
 #include "transport/http.h"
-#include "transport/socket_client.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <string>
 #include <thread>
@@ -118,10 +118,51 @@ TEST(Exchange, WaitsAsLongAsTheRequestMayTakeAndThirtySeconds) {
         {R"([{"timeoutSeconds":10}])", 630},
     };
     for (const auto& [body, seconds] : cases) {
-        const auto now = Patience::Clock::now();
-        const auto patience = patienceFor(replyTimeoutSeconds(body)).deadline() - now;
-        EXPECT_EQ(std::chrono::floor<std::chrono::seconds>(patience).count(), seconds) << body;
+        EXPECT_EQ(replyPatience(body), std::chrono::seconds(seconds)) << body;
     }
+}
+
+/// Stops the program and continues it, about every millisecond for as long as it runs.
+void stopAndContinue() {
+    const pid_t program = ::getpid();
+    if (::fork() != 0) {
+        return;
+    }
+    while (::getppid() == program) {
+        for (const int signal : {SIGSTOP, SIGCONT}) {
+            ::kill(program, signal);
+            ::usleep(1000);
+        }
+    }
+    ::_exit(0);
+}
+
+TEST(Exchange, GoesOnWhenStoppedAndContinued) {
+    const auto pause = [](const Connection& /*connection*/) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    };
+    const auto answerLate = [&](Connection& connection) {
+        connection.readRequest();
+        connection.write("HTTP/1.1 200 OK\r\n");
+        pause(connection);
+        connection.write("\r\n{\"ok\":true}");
+    };
+    const auto readLate = [&](Connection& connection) {
+        connection.awaitFirstByte();
+        pause(connection);
+        answerDone()(connection);
+    };
+    std::string megabyte = "process";
+    for (int count = 0; count < 10; ++count) {
+        megabyte += " /" + std::string(100000, 'x');
+    }
+    const Outcome whole{"{\"ok\":true}\n", "", 0};
+    ScriptedPeer peer({answerLate, readLate, pause, pause, answerDone()});
+    EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "reading";
+    EXPECT_EQ(runProgramAgainst(peer, megabyte, stopAndContinue), whole) << "writing";
+    const fernlow::Connection served(peer.path(), std::chrono::seconds(9));
+    const fernlow::Connection queued(peer.path(), std::chrono::seconds(9));
+    EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "connecting";
 }
 
 TEST(Exchange, NeverUsesAStandardStreamsNumber) {
@@ -132,41 +173,14 @@ TEST(Exchange, NeverUsesAStandardStreamsNumber) {
         for (const int stream : {0, 1, 2}) {
             ::close(stream);
         }
-        const fernlow::Connection connection(path, patienceFor(0));
-        ::_exit(::fcntl(0, F_GETFD) == -1 && ::fcntl(1, F_GETFD) == -1 &&
-                ::fcntl(2, F_GETFD) == -1);
+        const fernlow::Connection connection(path, std::chrono::seconds(9));
+        const bool stayClosed =
+            ::fcntl(0, F_GETFD) + ::fcntl(1, F_GETFD) + ::fcntl(2, F_GETFD) == -3;
+        ::_exit(stayClosed ? 0 : 1);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 1);
-}
-
-TEST(Exchange, OutlastsBeingStoppedAndContinued) {
-    void* const shared =
-        ::mmap(nullptr, sizeof(pid_t), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    auto* const process = static_cast<volatile pid_t*>(shared);
-    const auto stopAndContinue = [process] {
-        for (const int signal : {SIGSTOP, SIGCONT}) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            ::kill(*process, signal);
-        }
-    };
-    ScriptedPeer peer({[&](Connection& connection) {
-        stopAndContinue();
-        connection.readRequest();
-        for (const char* part : {"HTTP/1.1 200 OK\r\n\r\n", R"({"ok":true,)", R"("result":{}})"}) {
-            stopAndContinue();
-            connection.write(part);
-        }
-    }});
-    ProgramRun run{{"--socket", peer.path(), "process"}};
-    // More than the socket takes while nobody reads.
-    run.arguments.resize(15, "/" + std::string(100000, 'x'));
-    run.prepare = [process] { *process = ::getpid(); };
-    EXPECT_EQ(runProgram(run), (Outcome{R"({"ok":true,"result":{}})"
-                                        "\n",
-                                        "", 0}));
-    ::munmap(shared, sizeof(pid_t));
+    EXPECT_EQ(status, 0);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <string>
@@ -76,6 +77,21 @@ TEST(HostilePeer, IsGivenUpWhenItStalls) {
     for (std::thread& run : runs) {
         run.join();
     }
+}
+
+TEST(HostilePeer, IsWaitedForThroughInterruptions) {
+    struct sigaction interrupting{};
+    interrupting.sa_handler = [](int /*signal*/) {};
+    ::sigaction(SIGUSR1, &interrupting, nullptr);
+    ScriptedPeer peer({[client = ::pthread_self()](Connection& connection) {
+        connection.readRequest();
+        for (int count = 0; count < 50; ++count) {
+            ::pthread_kill(client, SIGUSR1);
+            ::usleep(1000);
+        }
+        connection.write(reply(R"({"ok":true})"));
+    }});
+    EXPECT_EQ(runAgainst(peer, "status"), done);
 }
 
 // A path is shown again with each of its issues: 390 kB of reply would be 9 GB of text.

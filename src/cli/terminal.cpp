@@ -2,7 +2,6 @@
 
 #include "bytes/utf8.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,6 +11,7 @@ namespace fernlow {
 namespace {
 
 constexpr char escape = '\x1B';
+constexpr std::string_view colourReset = "\x1B[0m";
 
 /// Nearly every character of nearly every text.
 bool isPrintableASCII(char character) {
@@ -39,7 +39,6 @@ std::size_t colourLength(std::string_view text) {
     return end != std::string_view::npos && text[end] == 'm' ? end + 1 : 0;
 }
 
-/// Whether a well-formed character is one that a terminal obeys.
 bool isControl(std::string_view character) {
     if (character.size() == 1) {
         return character.front() < ' ' || character.front() == '\x7F';
@@ -52,84 +51,87 @@ bool isControl(std::string_view character) {
     // NOLINTEND(misc-misleading-bidirectional)
 }
 
-/// Goes through a text from one place that isn't fit for a terminal to the next.
-class Scan {
-public:
-    explicit Scan(std::string_view text) : text_(text) {}
+enum class Passed : std::uint8_t { harmless, unfit, colour, endOfColour };
 
-    /// The text up to the next such place.
-    std::string_view takeHarmless() {
-        std::size_t at = 0;
-        while (at < text_.size()) {
-            if (beginsPrintable(text_.substr(at))) {
-                at += 8;
-            } else if (isPrintableASCII(text_[at])) {
-                ++at;
-            } else if (const std::size_t length = harmlessLength(text_.substr(at)); length > 0) {
-                at += length;
-            } else {
-                break;
-            }
-        }
-        const std::string_view harmless = text_.substr(0, at);
-        text_.remove_prefix(at);
-        return harmless;
-    }
-
-    /// Passes over that place.
-    void skip() { text_.remove_prefix(utf8::firstSequence(text_).length); }
-
-    [[nodiscard]] bool isOver() const { return text_.empty(); }
-
-    /// Whether a colour has been switched on since the last that switched all off.
-    [[nodiscard]] bool isColoured() const { return isColoured_; }
-
-private:
-    /// How long the character or colour is that the text begins with; 0 where it isn't harmless.
-    std::size_t harmlessLength(std::string_view text) {
-        switch (text.front()) {
-        case '\t':
-        case '\n':
-            return 1;
-        case '\r':
-            // The text's own end counts: a line break is written behind it.
-            return text.size() == 1 || text[1] == '\n' ? 1 : 0;
-        case escape: {
-            const std::size_t length = colourLength(text);
-            if (length > 0) {
-                isColoured_ =
-                    text.substr(0, length).find_first_not_of("\x1B[0;m") != std::string_view::npos;
-            }
-            return length;
-        }
-        default: {
-            const auto [length, wellFormed] = utf8::firstSequence(text);
-            return wellFormed && !isControl(text.substr(0, length)) ? length : 0;
-        }
-        }
-    }
-
-    std::string_view text_;
-    bool isColoured_ = false;
+/// One step through a text: how far it leads, and over what.
+struct Step {
+    std::size_t length;
+    Passed passed;
 };
+
+/// The step over the escape character that the text begins with.
+Step stepOverEscape(std::string_view text) {
+    const std::size_t length = colourLength(text);
+    if (length == 0) {
+        return {1, Passed::unfit};
+    }
+    const bool ends = text.substr(0, length).find_first_of("123456789") == std::string_view::npos;
+    return {length, ends ? Passed::endOfColour : Passed::colour};
+}
+
+Step firstStep(std::string_view text) {
+    switch (text.front()) {
+    case '\t':
+    case '\n':
+        return {1, Passed::harmless};
+    case '\r':
+        // The text's own end counts: a line break is written behind it.
+        return {1, text.size() > 1 && text[1] != '\n' ? Passed::unfit : Passed::harmless};
+    case escape:
+        return stepOverEscape(text);
+    default: {
+        const auto [length, wellFormed] = utf8::firstSequence(text);
+        const bool fit = wellFormed && !isControl(text.substr(0, length));
+        return {length, fit ? Passed::harmless : Passed::unfit};
+    }
+    }
+}
+
+/// The length of what is fit at the text's beginning. Keeps track of whether a colour is on.
+std::size_t fitLength(std::string_view text, bool& coloured) {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        if (beginsPrintable(text.substr(at))) {
+            at += 8;
+            continue;
+        }
+        if (isPrintableASCII(text[at])) {
+            ++at;
+            continue;
+        }
+        const Step step = firstStep(text.substr(at));
+        if (step.passed == Passed::unfit) {
+            break;
+        }
+        if (step.passed != Passed::harmless) {
+            coloured = step.passed == Passed::colour;
+        }
+        at += step.length;
+    }
+    return at;
+}
 
 } // namespace
 
 std::optional<ByteBuffer> withVisibleControls(std::string_view text) {
-    Scan scan(text);
-    std::string_view harmless = scan.takeHarmless();
-    if (scan.isOver() && !scan.isColoured()) {
+    bool coloured = false;
+    std::size_t fit = fitLength(text, coloured);
+    if (fit == text.size() && !coloured) {
         return std::nullopt;
     }
     ByteBuffer visible;
-    visible.append(harmless);
-    while (!scan.isOver()) {
+    for (;;) {
+        visible.append(text.substr(0, fit));
+        text.remove_prefix(fit);
+        if (text.empty()) {
+            break;
+        }
         visible.append(utf8::replacementCharacter);
-        scan.skip();
-        visible.append(scan.takeHarmless());
+        text.remove_prefix(firstStep(text).length);
+        fit = fitLength(text, coloured);
     }
-    if (scan.isColoured()) {
-        visible.append("\x1B[0m");
+    if (coloured) {
+        visible.append(colourReset);
     }
     return visible;
 }

@@ -12,11 +12,11 @@ namespace fernlow {
 /// it moves the cursor over what was printed, or writes to the clipboard.
 ///
 /// Control characters become visible, each as one U+FFFD: C0 except the tab and the line break (and
-/// the carriage return in front of one), DEL, C1, and what embeds, overrides or isolates a
-/// direction of writing (U+202A to U+202E, U+2066 to U+2069). The marks U+200E, U+200F and U+061C,
-/// which names in Arabic and Hebrew need, pass. So does each ill-formed sequence, which an 8-bit
-/// terminal might obey, become one U+FFFD. Colours (ESC "[", digits and ";", "m") stay, and end
-/// with the text. Gives nothing where the text is fit as it is.
+/// the carriage return in front of one), DEL, C1, and the controls that turn the direction of
+/// writing (U+202A to U+202E, U+2066 to U+2069; the marks U+200E, U+200F and U+061C, which turn
+/// nothing but their neighbours, pass). So does what is not valid UTF-8, each sequence as one: an
+/// 8-bit terminal would take some of its bytes for C1. Colours (ESC "[", digits and ";", "m") stay,
+/// and end with the text. Gives nothing where the text is fit as it is.
 std::optional<ByteBuffer> withVisibleControls(std::string_view text);
 
 } // namespace fernlow

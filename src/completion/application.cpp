@@ -1,6 +1,6 @@
 #include "completion/application.h"
 
-#include "transport/socket_client.h"
+#include "transport/connection.h"
 #include "transport/socket_client_error.h"
 
 #include <cstddef>
@@ -16,7 +16,9 @@ constexpr std::size_t longestReply = std::size_t{4} * 1024 * 1024;
 
 bool Application::exchange(const AgentRequest& request) {
     try {
-        body_ = exchangeOnce(socketPath_, request, Patience::until(deadline_), longestReply).body;
+        const Connection connection(socketPath_, deadline_);
+        connection.send(requestBytes(request));
+        body_ = parseReply(connection.receive(longestReply)).body;
         return true;
     } catch (const AgentSocketClientError&) {
         return false;

@@ -12,22 +12,51 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstring>
+#include <limits>
 
 namespace fernlow {
 
 namespace {
 
-using Clock = Patience::Clock;
+using std::chrono::ceil;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
 
 /// The same on every system, though the address would hold four bytes more on Linux.
 constexpr int longestSocketPath = 103;
 static_assert(sizeof(sockaddr_un::sun_path) > longestSocketPath);
 
 constexpr std::size_t readSize = 16384;
+
+/// When what is waited for from now on is given up.
+Clock::time_point endOfWait(const Patience& patience) {
+    const auto* const each = std::get_if<std::chrono::seconds>(&patience);
+    return each != nullptr ? Clock::now() + *each : std::get<Clock::time_point>(patience);
+}
+
+/// Nothing once that moment has passed.
+Clock::duration left(Clock::time_point end) {
+    return std::max(end - Clock::now(), Clock::duration::zero());
+}
+
+/// Waits until the socket can be read or written without blocking. Gives false when time ran out.
+bool awaitReady(int socket, short event, Clock::time_point end) {
+    constexpr auto longest = milliseconds(std::numeric_limits<int>::max());
+    pollfd waiting{socket, event, 0};
+    int count = 0;
+    if (left(end) == Clock::duration::zero()) {
+        return false;
+    }
+    // After an interruption it looks once more even where no time is left: what it waits for may
+    // have come while the process was stopped.
+    do {
+        const auto timeout = std::min(ceil<milliseconds>(left(end)), longest);
+        count = ::poll(&waiting, 1, static_cast<int>(timeout.count()));
+    } while (count < 0 ? errno == EINTR : count == 0 && left(end) != Clock::duration::zero());
+    return count > 0;
+}
 
 /// A descriptor of a new stream socket, or -1.
 int openSocket() {
@@ -42,121 +71,102 @@ int openSocket() {
     return moved;
 }
 
-Clock::duration left(Clock::time_point deadline) {
-    return std::max(deadline - Clock::now(), Clock::duration::zero());
+/// Whether somebody listens and takes the connection in time.
+bool connectBefore(Clock::time_point end, int socket, const sockaddr_un& address) {
+    // Linux waits here while the listener's queue is full. No poll can do that (a socket that
+    // doesn't block is just refused), so this one wait is left to the system, and asked for again
+    // when it was interrupted, which undoes it.
+    do {
+        // None at all would mean to wait for ever.
+        const auto patience = std::max(ceil<microseconds>(left(end)), microseconds(1)).count();
+        timeval timeout{};
+        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(patience / 1'000'000);
+        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(patience % 1'000'000);
+        ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
+        // The whole structure's length is passed, not the path's: the zero bytes behind the path
+        // end it. The length byte that it begins with on macOS is not looked at there.
+        if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+            return true;
+        }
+    } while (errno == EINTR);
+    return false;
 }
 
-/// Whether the call that just failed had only come too early.
-bool wouldBlock() {
-    return errno == EAGAIN || errno == EWOULDBLOCK;
-}
-
-} // namespace
-
-Clock::time_point Patience::deadline() const {
-    const auto now = Clock::now();
-    return deadline_ - now > wait_ ? now + wait_ : deadline_;
-}
-
-Connection::Connection(const std::string& socketPath, const Patience& patience)
-    : descriptor_(-1), patience_(patience) {
+SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_point end) {
     if (socketPath.size() > longestSocketPath) {
         throw AgentSocketClientError(
             AgentSocketClientError::pathTooLong{socketPath, longestSocketPath});
     }
-    descriptor_ = openSocket();
-    try {
-        connect(socketPath);
-    } catch (...) {
-        ::close(descriptor_);
-        throw;
-    }
-}
-
-Connection::~Connection() {
-    ::close(descriptor_);
-}
-
-void Connection::connect(const std::string& socketPath) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::memcpy(address.sun_path, socketPath.data(), socketPath.size());
-    platform::prepareSocket(descriptor_);
-    const auto deadline = patience_.deadline();
-    // Connecting waits where the peer's queue is full, for which there is nothing to poll; no wait
-    // at all would stand for an endless one.
-    for (auto patience = left(deadline); patience > Clock::duration::zero();
-         patience = left(deadline)) {
-        const auto wait = std::chrono::ceil<microseconds>(patience).count();
-        timeval timeout{};
-        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(wait / 1'000'000);
-        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(wait % 1'000'000);
-        ::setsockopt(descriptor_, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
-        // Linux would take an empty path for an abstract address, which somebody else may listen
-        // on. The whole structure's length is passed, not the path's: the zero bytes behind the
-        // path end it. The length byte that it begins with on macOS is not looked at there.
-        if (!socketPath.empty() &&
-            ::connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) ==
-                0) {
-            // From here on only poll waits, which a stop and continue can't end.
-            ::fcntl(descriptor_, F_SETFL, O_NONBLOCK);
-            return;
-        }
-        if (socketPath.empty() || errno != EINTR) {
-            break;
-        }
+
+    SocketDescriptor socket(openSocket());
+    // Linux would take an empty path for an abstract address, which somebody else may listen on.
+    if (socket.get() < 0 || socketPath.empty()) {
+        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
-    throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
+    platform::prepareSocket(socket.get());
+    if (!connectBefore(end, socket.get(), address)) {
+        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
+    }
+    // From here on nothing waits but poll.
+    ::fcntl(socket.get(), F_SETFL, O_NONBLOCK);
+    return socket;
 }
 
-bool Connection::waitFor(short event) const {
-    const auto deadline = patience_.deadline();
-    pollfd waiting{descriptor_, event, 0};
-    for (;;) {
-        // Looked at once more when time is up: the process may have been stopped.
-        const auto patience = left(deadline);
-        const auto wait = std::chrono::ceil<milliseconds>(patience).count();
-        const int found =
-            ::poll(&waiting, 1, static_cast<int>(std::min<decltype(wait)>(wait, INT_MAX)));
-        if (found != 0 && !(found < 0 && errno == EINTR)) {
-            return found > 0;
-        }
-        if (found == 0 && patience == Clock::duration::zero()) {
-            return false;
-        }
+} // namespace
+
+SocketDescriptor::~SocketDescriptor() {
+    if (descriptor_ >= 0) {
+        ::close(descriptor_);
     }
 }
 
-void Connection::write(std::string_view bytes) {
+Connection::Connection(const std::string& socketPath, Patience patience)
+    : patience_(patience), socket_(connectedSocket(socketPath, endOfWait(patience))) {}
+
+template <class Transfer>
+ssize_t Connection::carry(short event, Transfer transfer) const {
+    const auto end = endOfWait(patience_);
+    ssize_t count = -1;
+    do {
+        if (!awaitReady(socket_.get(), event, end)) {
+            return -1;
+        }
+        count = transfer();
+    } while (count < 0 && errno == EAGAIN);
+    return count;
+}
+
+void Connection::send(std::string_view bytes) const {
     while (!bytes.empty()) {
-        const ssize_t written =
-            waitFor(POLLOUT) ? platform::sendWithoutSignal(descriptor_, bytes.data(), bytes.size())
-                             : 0;
-        if (written > 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        } else if (written == 0 || !wouldBlock()) {
+        const ssize_t count = carry(POLLOUT, [&] {
+            return platform::sendWithoutSignal(socket_.get(), bytes.data(), bytes.size());
+        });
+        if (count <= 0) {
             throw AgentSocketClientError(AgentSocketClientError::writeFailed{});
         }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
     }
 }
 
-ByteBuffer Connection::readToEnd(std::size_t longest) {
+ByteBuffer Connection::receive(std::size_t longest) const {
     ByteBuffer bytes;
-    while (waitFor(POLLIN)) {
-        const ssize_t count = ::read(descriptor_, bytes.room(readSize), readSize);
+    for (;;) {
+        char* const room = bytes.room(readSize);
+        const ssize_t count = carry(POLLIN, [&] { return ::read(socket_.get(), room, readSize); });
+        if (count < 0) {
+            throw AgentSocketClientError(AgentSocketClientError::readFailed{});
+        }
         if (count == 0) {
             return bytes;
         }
-        if (count > 0) {
-            bytes.commit(static_cast<std::size_t>(count));
-        } else if (!wouldBlock()) {
-            break;
-        }
+        bytes.commit(static_cast<std::size_t>(count));
         if (bytes.view().size() > longest) {
             throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
         }
     }
-    throw AgentSocketClientError(AgentSocketClientError::readFailed{});
 }
 
 } // namespace fernlow

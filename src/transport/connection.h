@@ -2,63 +2,60 @@
 
 #include "bytes/byte_buffer.h"
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 
 namespace fernlow {
 
-/// How long a peer is waited for. A process that is stopped and continued goes on waiting; what has
-/// come in the meantime is taken, however long that was.
-class Patience {
+/// How long the other side is waited for: so long each time something is waited for, or until a
+/// moment for everything together.
+using Patience = std::variant<std::chrono::seconds, std::chrono::steady_clock::time_point>;
+
+/// An open socket, closed when it goes.
+class SocketDescriptor {
 public:
-    using Clock = std::chrono::steady_clock;
+    explicit SocketDescriptor(int descriptor) : descriptor_(descriptor) {}
+    SocketDescriptor(SocketDescriptor&& other) noexcept
+        : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    SocketDescriptor& operator=(SocketDescriptor&&) = delete;
+    SocketDescriptor(const SocketDescriptor&) = delete;
+    SocketDescriptor& operator=(const SocketDescriptor&) = delete;
+    ~SocketDescriptor();
 
-    /// Connecting, and each read and write, may take this long.
-    static Patience forEach(std::chrono::seconds wait) { return {wait, Clock::time_point::max()}; }
-
-    /// All of it together may take until then.
-    static Patience until(Clock::time_point deadline) {
-        return {Clock::duration::max(), deadline};
-    }
-
-    /// When a wait that begins now is over.
-    [[nodiscard]] Clock::time_point deadline() const;
+    [[nodiscard]] int get() const { return descriptor_; }
 
 private:
-    Patience(Clock::duration wait, Clock::time_point deadline)
-        : wait_(wait), deadline_(deadline) {}
-
-    Clock::duration wait_;
-    Clock::time_point deadline_;
+    int descriptor_;
 };
 
-/// A connection to whoever listens at a Unix-domain socket, closed when it goes.
+/// A connection to whoever listens on a Unix-domain socket. Connecting, each write and each read is
+/// waited for with patience. Being stopped and continued meanwhile (Ctrl-Z and `fg`) interrupts
+/// none of them: the clock goes on, but what has come when the process is continued is taken.
 class Connection {
 public:
     /// The path is UTF-8 and used as it is. Throws AgentSocketClientError `pathTooLong` or
     /// `notRunning`.
-    Connection(const std::string& socketPath, const Patience& patience);
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-    Connection(Connection&&) = delete;
-    Connection& operator=(Connection&&) = delete;
-    ~Connection();
+    Connection(const std::string& socketPath, Patience patience);
 
-    /// Throws `writeFailed` when the peer has gone, or takes nothing for too long.
-    void write(std::string_view bytes);
+    /// Writes all of the bytes. Throws AgentSocketClientError `writeFailed`.
+    void send(std::string_view bytes) const;
 
-    /// All that comes until the peer closes. Throws `readFailed`; `malformedResponse` when it is
-    /// more than `longest` bytes.
-    ByteBuffer readToEnd(std::size_t longest);
+    /// Reads until the other side closes the connection. Throws AgentSocketClientError
+    /// `readFailed`, or `malformedResponse` where more than `longest` bytes come.
+    [[nodiscard]] ByteBuffer receive(std::size_t longest) const;
 
 private:
-    void connect(const std::string& socketPath);
-    [[nodiscard]] bool waitFor(short event) const;
+    template <class Transfer>
+    [[nodiscard]] ssize_t carry(short event, Transfer transfer) const;
 
-    int descriptor_;
     Patience patience_;
+    SocketDescriptor socket_;
 };
 
 } // namespace fernlow

@@ -4,6 +4,8 @@
 #include "json/document.h"
 #include "transport/socket_client_error.h"
 
+#include <algorithm>
+
 namespace fernlow {
 
 namespace {
@@ -54,12 +56,15 @@ AgentReply parseReply(ByteBuffer bytes) {
     return {*statusCode, std::move(bytes)};
 }
 
-double replyTimeoutSeconds(std::string_view body) {
+std::chrono::seconds replyPatience(std::string_view body) {
+    // Thirty years: no machine waits longer, and clocks count in units that overflow.
+    constexpr double longest = 1e9;
     const auto document = json::Document::parse(body, {&timeoutKey, 1});
     const auto object = document ? document->root().object() : std::nullopt;
     const auto timeout = object ? object->find(timeoutKey) : std::nullopt;
     const auto literal = timeout ? timeout->numberLiteral() : std::nullopt;
-    return literal ? number::nearestDouble(*literal) : usualReplyTimeout;
+    const double seconds = literal ? number::nearestDouble(*literal) : usualReplyTimeout;
+    return std::chrono::seconds(static_cast<std::int64_t>(std::clamp(seconds + 30, 5.0, longest)));
 }
 
 } // namespace fernlow

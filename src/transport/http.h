@@ -2,6 +2,7 @@
 
 #include "bytes/byte_buffer.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,8 +29,8 @@ std::string requestBytes(const AgentRequest& request);
 /// lies behind the first blank line. Throws AgentSocketClientError `malformedResponse`.
 AgentReply parseReply(ByteBuffer bytes);
 
-/// How long the application may take to answer a request with this body, in seconds: its
-/// "timeoutSeconds", or 600 where it has none.
-double replyTimeoutSeconds(std::string_view body);
+/// How long the application is waited for after a request with this body: its "timeoutSeconds", or
+/// 600 where it has none, and 30 more for the answer to arrive, but 5 at least.
+std::chrono::seconds replyPatience(std::string_view body);
 
 } // namespace fernlow

@@ -1,12 +1,13 @@
 #include "transport/socket_client.h"
 
 #include "platform/platform.h"
+#include "transport/connection.h"
 #include "transport/socket_client_error.h"
 #include "transport/socket_location.h"
 
-#include <algorithm>
-#include <cstdint>
+#include <cstddef>
 #include <thread>
+#include <utility>
 #include <variant>
 
 namespace fernlow {
@@ -17,59 +18,51 @@ namespace {
 /// the machine.
 constexpr std::size_t longestReply = std::size_t{256} * 1024 * 1024;
 
+constexpr std::chrono::seconds patienceOfProbe{30};
+
+AgentReply attempt(const std::string& socketPath, const AgentRequest& request) {
+    ByteBuffer bytes;
+    {
+        const Connection connection(socketPath, replyPatience(request.body));
+        connection.send(requestBytes(request));
+        bytes = connection.receive(longestReply);
+    }
+    return parseReply(std::move(bytes));
+}
+
 bool somebodyListens(const std::string& socketPath) {
     try {
-        const Connection connection(socketPath, patienceFor(0));
+        const Connection probe(socketPath, patienceOfProbe);
         return true;
     } catch (const AgentSocketClientError&) {
         return false;
     }
 }
 
-} // namespace
-
-Patience patienceFor(double replyTimeoutSeconds) {
-    // Thirty years: no machine waits longer, and systems count further in units that overflow.
-    constexpr double longest = 1e9;
-    const auto seconds =
-        static_cast<std::int64_t>(std::clamp(replyTimeoutSeconds + 30, 5.0, longest));
-    return Patience::forEach(std::chrono::seconds(seconds));
-}
-
-AgentReply exchangeOnce(const std::string& socketPath, const AgentRequest& request,
-                        const Patience& patience, std::size_t longest) {
-    ByteBuffer bytes;
-    {
-        Connection connection(socketPath, patience);
-        connection.write(requestBytes(request));
-        bytes = connection.readToEnd(longest);
+/// Has the system start the application in the background, and waits until its socket accepts a
+/// connection or patience runs out. Never fails: whoever connects next finds out.
+void launchApplication(const std::string& socketPath, const LaunchSettings& settings) {
+    platform::runProgram(settings.program, {"-g", "-b", applicationBundleIdentifier});
+    const auto deadline = std::chrono::steady_clock::now() + settings.patience;
+    while (std::chrono::steady_clock::now() < deadline && !somebodyListens(socketPath)) {
+        std::this_thread::sleep_for(settings.pollInterval);
     }
-    return parseReply(std::move(bytes));
 }
+
+} // namespace
 
 AgentReply AgentSocketClient::exchange(const std::string& socketPath, bool launchIfNeeded,
                                        const AgentRequest& request) const {
-    const Patience patience = patienceFor(replyTimeoutSeconds(request.body));
     try {
-        return exchangeOnce(socketPath, request, patience, longestReply);
+        return attempt(socketPath, request);
     } catch (const AgentSocketClientError& error) {
         if (!launchIfNeeded ||
             !std::holds_alternative<AgentSocketClientError::notRunning>(error.kind())) {
             throw;
         }
     }
-    launchApplication(socketPath);
-    return exchangeOnce(socketPath, request, patience, longestReply);
-}
-
-/// Has the system start the application in the background, and waits until its socket accepts a
-/// connection or patience runs out. Never fails: whoever connects next finds out.
-void AgentSocketClient::launchApplication(const std::string& socketPath) const {
-    platform::runProgram(launch_.program, {"-g", "-b", applicationBundleIdentifier});
-    const auto deadline = std::chrono::steady_clock::now() + launch_.patience;
-    while (std::chrono::steady_clock::now() < deadline && !somebodyListens(socketPath)) {
-        std::this_thread::sleep_for(launch_.pollInterval);
-    }
+    launchApplication(socketPath, launch_);
+    return attempt(socketPath, request);
 }
 
 } // namespace fernlow

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "transport/connection.h"
 #include "transport/http.h"
 
 #include <chrono>
-#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -19,28 +17,18 @@ struct LaunchSettings {
     std::chrono::milliseconds patience{25000};
 };
 
-/// Sends the request over a connection of its own and reads until the application closes it. Throws
-/// AgentSocketClientError; a reply longer than `longestReply` bytes is a `malformedResponse`.
-AgentReply exchangeOnce(const std::string& socketPath, const AgentRequest& request,
-                        const Patience& patience, std::size_t longestReply);
-
-/// How long connecting, and each read and write, may take for a request that the application has
-/// this many seconds to answer: 30 more, at least 5.
-Patience patienceFor(double replyTimeoutSeconds);
-
 /// Carries one request to the application and brings one reply back, over its Unix-domain socket.
 class AgentSocketClient {
 public:
     explicit AgentSocketClient(LaunchSettings launch) : launch_(std::move(launch)) {}
 
-    /// exchangeOnce() with the patience that the request asks for. When nobody listens and
-    /// `launchIfNeeded`, starts the application and tries once more.
+    /// Sends the request and reads until the application closes the connection, each write and each
+    /// read no longer than the request's replyPatience(). When nobody listens and `launchIfNeeded`,
+    /// starts the application and tries once more. Throws AgentSocketClientError.
     [[nodiscard]] AgentReply exchange(const std::string& socketPath, bool launchIfNeeded,
                                       const AgentRequest& request) const;
 
 private:
-    void launchApplication(const std::string& socketPath) const;
-
     LaunchSettings launch_;
 };
 

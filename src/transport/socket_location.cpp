@@ -8,8 +8,8 @@ namespace fernlow {
 
 std::string defaultSocketPath() {
     const std::string support = platform::applicationSupportFolder();
-    // Asking the user database takes longer than all the rest.
-    return socketPathIn(support, support.starts_with('/') ? std::nullopt : platform::homeFolder());
+    const bool needsHome = !support.starts_with('/');
+    return socketPathIn(support, needsHome ? platform::homeFolder() : std::nullopt);
 }
 
 std::string socketPathIn(const std::string& support, const std::optional<std::string>& home) {

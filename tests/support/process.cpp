@@ -18,7 +18,7 @@
 
 #include "support/command_line.h"
 #include "support/temporary_folder.h"
-#include "transport/socket_client.h"
+#include "transport/connection.h"
 #include "transport/socket_client_error.h"
 
 namespace fernlow::test {
@@ -109,7 +109,7 @@ StandIn::StandIn(const std::string& socketPath) {
     }
     for (int attempt = 0; attempt < 500; ++attempt) {
         try {
-            const Connection connection(socketPath, patienceFor(0));
+            const Connection probe(socketPath, std::chrono::seconds(1));
             return;
         } catch (const AgentSocketClientError&) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));

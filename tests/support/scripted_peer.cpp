@@ -74,7 +74,7 @@ void ScriptedPeer::start() {
     path().copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
     const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
     if (::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::listen(listener, 16) != 0) {
+        ::listen(listener, 0) != 0) {
         throw std::runtime_error("cannot listen on " + path());
     }
     thread_ = std::thread([this, listener] { serve(listener); });

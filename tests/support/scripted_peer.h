@@ -39,7 +39,8 @@ public:
     };
     using Script = std::function<void(Connection&)>;
 
-    /// Each script serves one connection, after which nobody listens.
+    /// Each script serves one connection, after which nobody listens. On Linux one more fits into
+    /// the queue, and a third has to wait before it is connected.
     explicit ScriptedPeer(std::vector<Script> scripts) : ScriptedPeer(Later{}, std::move(scripts)) {
         start();
     }
