@@ -64,6 +64,27 @@ void expectTrue(const std::string& page, bool inTerminal) {
         << page;
 }
 
+/// The line that agents are told to read errors with, on problems of every kind.
+TEST(Pages, TellErrorsByTheLineForAgents) {
+    const TemporaryFolder folder;
+    std::ifstream lines(FERNLOW_ROOT "/docs/for-agents.md");
+    std::string recipe;
+    while (!recipe.starts_with("  jq -r '") && std::getline(lines, recipe)) {
+    }
+    std::ofstream(folder.file("reply.json")) << R"({"result":{"problems":[
+        {"path":"/a","message":"None."},
+        {"path":"/x","syntaxReports":[
+            {"path":"/b","issues":[{"line":9,"column":1,"reason":"Nine."},
+                                   {"line":2,"column":3,"reason":"Two."}]},
+            {"path":"/c","issues":[{"line":1,"column":1,"reason":"One."}]}]},
+        {"path":"/d","message":"Empty.","syntaxReports":[]}]}})";
+    ProgramRun run{{"-c", recipe}, folder.path()};
+    run.program = "/bin/sh";
+    EXPECT_EQ(runProgram(run), (Outcome{"/a: None.\n/b:2:3: Two.\n/b:9:1: Nine.\n/c:1:1: One.\n"
+                                        "/d: Empty.\n",
+                                        "", 0}));
+}
+
 TEST(Pages, ShowWhatIsPrinted) {
     expectTrue("README.md", true);
     expectTrue("docs/for-agents.md", false);

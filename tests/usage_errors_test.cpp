@@ -148,7 +148,7 @@ TEST(UsageErrors, Files) {
         {"files --folders --folders --action x", notAnOption("--folders")},
         {"files --action Copy", notANumber("--action", "Copy")},
         {"files skip a --timeout nan",
-         R"("timeoutSeconds" must be a finite number to be sent to Fernlow.)"},
+         R"("--timeout" must be a finite number to be sent to Fernlow.)"},
         {"files settings", R"("files settings" needs a path.)"},
         {"files skip", R"("files skip" needs a path.)"},
         {"files unskip", R"("files unskip" needs a path.)"},

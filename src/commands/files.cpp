@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -154,6 +155,10 @@ AgentCLIAction postSkip(CommandLine& line, bool skipped) {
     request.skipped = skipped;
     request.wait = !line.has(noWait);
     request.timeoutSeconds = line.value(unboundedTimeout);
+    if (!std::isfinite(request.timeoutSeconds)) {
+        // Else it would be told by the name that it has on the wire.
+        throw json::EncodingError("\"" + std::string(timeout.word) + json::notFinite);
+    }
     return post("/v1/files/skip", request);
 }
 

@@ -71,8 +71,7 @@ void appendBoolean(std::string& out, bool value) {
 
 void appendDecimal(std::string& out, double value, std::string_view name) {
     if (!std::isfinite(value)) {
-        throw EncodingError("\"" + std::string(name) +
-                            "\" must be a finite number to be sent to Fernlow.");
+        throw EncodingError("\"" + std::string(name) + notFinite);
     }
     out += number::shortestDecimal(value);
 }

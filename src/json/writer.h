@@ -13,6 +13,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// What an EncodingError says behind the quoted name of a number that is infinite or none.
+inline constexpr const char* notFinite = "\" must be a finite number to be sent to Fernlow.";
+
 /// Appends the text as a JSON string, quotes included. Throws EncodingError when it is not
 /// well-formed UTF-8: sent with replacements it would name something else.
 void appendText(std::string& out, std::string_view text);

@@ -40,14 +40,13 @@ Json addRow(State& state, const Json& body) {
     Json& rows = rowsOf(state, body);
     const std::string kind = body["kind"];
     const Json values = readPatch(body, {"", kind});
-    for (const auto& [member, owner] :
-         {std::pair("buildStepType", "buildSteps"), std::pair("fileExtension", "userLanguages")}) {
-        if (body.contains(member) == (kind == owner)) {
-            continue;
+    for (const auto& [member, owner, name] :
+         {std::tuple("buildStepType", "buildSteps", "a type"),
+          std::tuple("fileExtension", "userLanguages", "an extension")}) {
+        if (body.contains(member) != (kind == owner)) {
+            throw Refusal("A row of " + kind + (kind == owner ? " needs " : " can't have ") + name +
+                          ".");
         }
-        throw Refusal(std::string("A row of ") + kind +
-                      (kind == owner ? " needs the member \"" : " can't have the member \"") +
-                      member + "\".");
     }
     Json row = {{"id", std::to_string(++state.lastRowId)}};
     for (const char* member : {"buildStepType", "fileExtension"}) {

@@ -79,6 +79,9 @@ Json bracketIssues(const std::string& text) {
     for (const auto& [character, where] : open) {
         issues.push_back(issueAt(where, character, "is never closed"));
     }
+    std::stable_sort(issues.begin(), issues.end(), [](const Json& one, const Json& other) {
+        return one["line"].get<int>() < other["line"].get<int>();
+    });
     return issues;
 }
 
