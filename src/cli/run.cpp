@@ -17,7 +17,7 @@ namespace fernlow {
 
 namespace {
 
-constexpr std::string_view version = "1";
+constexpr std::string_view version = FERNLOW_VERSION;
 
 /// JSON goes out as it is, whoever reads it.
 using Writer = bool (*)(int descriptor, std::string_view text);
