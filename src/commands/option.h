@@ -120,8 +120,8 @@ struct WholeNumber : Option {
                           std::string_view meaning)
         : Option{name, {ValueKind::wholeNumber, unit, {}, {}, range}, meaning, {}} {}
     [[nodiscard]] std::int64_t read(const std::string& text) const;
-    /// What holds when it isn't given; only for one that has such a number.
-    [[nodiscard]] constexpr std::int64_t usual() const { return value.range.usual.value(); }
+    /// What holds when it isn't given; 0 for one that has no such number.
+    [[nodiscard]] constexpr std::int64_t usual() const { return value.range.usual.value_or(0); }
 };
 
 /// A decimal number, "inf" and "nan" included, brought into its range: beyond the range of a double
@@ -132,9 +132,9 @@ struct Decimal : Option {
                       std::string_view meaning)
         : Option{name, {ValueKind::decimal, unit, {}, {}, range}, meaning, {}} {}
     [[nodiscard]] double read(const std::string& text) const;
-    /// What holds when it isn't given; only for one that has such a number.
+    /// What holds when it isn't given; 0 for one that has no such number.
     [[nodiscard]] constexpr double usual() const {
-        return static_cast<double>(value.range.usual.value());
+        return static_cast<double>(value.range.usual.value_or(0));
     }
 };
 

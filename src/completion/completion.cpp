@@ -43,7 +43,7 @@ public:
         const bool isOption = line_.current().starts_with('-');
         if (const auto* const option = line_.awaiting()) {
             addValues(option->value);
-        } else if (!line_.before()) {
+        } else if (line_.before() == nullptr) {
             isOption ? addOptionsWithoutCommand() : addCommands();
         } else if (!takesNothing()) {
             isOption ? addOptions() : addWords();
@@ -69,16 +69,17 @@ private:
         const bool isThere =
             std::any_of(there.begin(), there.end(),
                         [&](const Candidate& candidate) { return candidate.value == option.word; });
-        if (!isThere && !line_.globals().has(option) && !(line_.before() && isRuledOut(option))) {
+        if (!isThere && !line_.globals().has(option) &&
+            !(line_.before() != nullptr && isRuledOut(option))) {
             add(option.word, option.summary);
         }
     }
 
     [[nodiscard]] bool isRuledOut(const Option& option) const {
         const auto& options = command().options;
-        return line_.whole().find(option) != nullptr ||
+        return line_.whole()->find(option) != nullptr ||
                std::any_of(options.begin(), options.end(), [&](const Option* other) {
-                   return line_.whole().find(*other) != nullptr &&
+                   return line_.whole()->find(*other) != nullptr &&
                           (other->opposite == option.word || option.opposite == other->word);
                });
     }
@@ -152,13 +153,13 @@ private:
             if (line_.current().find('=') != std::string::npos) {
                 return last;
             }
-            const auto& words = line_.whole().left();
+            const auto& words = line_.whole()->left();
             position = static_cast<std::size_t>(
                 std::count_if(words.begin(), words.end(), [](const std::string& word) {
                     return word.find('=') == std::string::npos;
                 }));
         }
-        if (first->option != nullptr && line_.whole().find(*first->option) != nullptr) {
+        if (first->option != nullptr && line_.whole()->find(*first->option) != nullptr) {
             ++position;
         }
         if (position < operands.size()) {

@@ -16,7 +16,7 @@ using Candidates = std::vector<Candidate>;
 
 /// What was given with an option, as it was typed.
 std::optional<std::string> given(const TypedLine& line, const Option& option) {
-    const std::string* const text = line.whole().find(option);
+    const std::string* const text = line.whole()->find(option);
     return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
@@ -28,7 +28,7 @@ std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDire
     const auto& operands = line.before()->command().operands;
     const bool takesProject =
         !operands.empty() && (*operands.begin())->value.kind == ValueKind::project;
-    const auto& words = line.whole().left();
+    const auto& words = line.whole()->left();
     return takesProject && !words.empty() ? resolvePath(words.front(), currentDirectory)
                                           : currentDirectory.path();
 }
@@ -139,7 +139,7 @@ std::optional<json::Value> settingsSchema(ValueKind kind, const TypedLine& line,
         const auto isFile = [](const std::string& word) {
             return word.find('=') == std::string::npos;
         };
-        const auto& words = line.whole().left();
+        const auto& words = line.whole()->left();
         const auto file = std::find_if(words.begin(), words.end(), isFile);
         return file == words.end()
                    ? std::nullopt
@@ -199,7 +199,7 @@ Candidates settings(ValueKind kind, const TypedLine& line, const CurrentDirector
                     Application& application) {
     const auto key = [](const std::string& word) { return word.substr(0, word.find('=')); };
     const bool hasKey = line.current().find('=') != std::string::npos;
-    const auto& words = line.whole().left();
+    const auto& words = line.whole()->left();
     Candidates candidates;
     for (const json::Object row :
          rowsOf(settingsSchema(kind, line, currentDirectory, application))) {

@@ -26,12 +26,12 @@ public:
     /// The option whose value that word is, or null.
     [[nodiscard]] const Option* awaiting() const { return awaiting_; }
 
-    /// The line in front of that word; nothing while the command is being typed.
-    [[nodiscard]] const std::optional<CommandLine>& before() const { return before_; }
+    /// The line in front of that word; null while the command is being typed.
+    [[nodiscard]] const CommandLine* before() const { return before_ ? &*before_ : nullptr; }
 
     /// The whole line but for that word, as far as it can be understood; for what has been given
-    /// already. Only where there is a before().
-    [[nodiscard]] const CommandLine& whole() const { return whole_ ? *whole_ : *before_; }
+    /// already. Null where before() is.
+    [[nodiscard]] const CommandLine* whole() const { return whole_ ? &*whole_ : before(); }
 
     [[nodiscard]] const GlobalOptions& globals() const { return globals_; }
 

@@ -87,8 +87,8 @@ struct State {
     std::chrono::milliseconds workTime{0};
 };
 
-/// Whether the text may become a part of a path. A control character may not: one of them, NUL, ends
-/// the path for the system, so that the folder around it is meant.
+/// Whether the text may become a part of a path. A control character may not: one of them, NUL,
+/// ends the path for the system, so that the folder around it is meant.
 bool isPathText(const std::string& text);
 /// The same for the name of one file or folder, which leads nowhere else.
 bool isPlainName(const std::string& text);
