@@ -26,7 +26,11 @@ public:
             state_.outerQuote = quote;
             quote = '\\';
         } else if (quote == '\'' || quote == '$') {
-            character == '\'' ? endQuote() : append(character);
+            if (character == '\'') {
+                endQuote();
+            } else {
+                append(character);
+            }
         } else {
             previous_ = character;
             return readExpanded(character, previous, next);

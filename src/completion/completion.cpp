@@ -43,10 +43,14 @@ public:
         const bool isOption = line_.current().starts_with('-');
         if (const auto* const option = line_.awaiting()) {
             addValues(option->value);
+        } else if (line_.before() == nullptr && isOption) {
+            addOptionsWithoutCommand();
         } else if (line_.before() == nullptr) {
-            isOption ? addOptionsWithoutCommand() : addCommands();
+            addCommands();
+        } else if (!takesNothing() && isOption) {
+            addOptions();
         } else if (!takesNothing()) {
-            isOption ? addOptions() : addWords();
+            addWords();
         }
         return std::move(completions_);
     }

@@ -175,8 +175,8 @@ Candidates valuesOf(const json::Object& row) {
     Candidates candidates;
     const auto choices = row.find("choices");
     const auto texts = choices ? choices->texts() : std::nullopt;
-    const auto numbers = choices && !texts ? choices->numberLiterals() : texts;
-    for (const std::string_view choice : numbers.value_or(json::List<std::string_view>())) {
+    const auto words = choices && !texts ? choices->numberLiterals() : texts;
+    for (const std::string_view choice : words.value_or(json::List<std::string_view>())) {
         candidates.push_back({start + std::string(choice), ""});
     }
     if (candidates.empty() && row.text("valueType") == "boolean") {

@@ -56,7 +56,11 @@ bool renderFileList(const json::Object& result, Lines& lines) {
         // Added without a sign: an offset near the top of its range must not overflow.
         const auto next = static_cast<std::uint64_t>(offset) + static_cast<std::uint64_t>(count);
         lines.add("More to come: ask again with --offset ");
-        offset < 0 ? lines.append(static_cast<std::int64_t>(next)) : lines.append(next);
+        if (offset < 0) {
+            lines.append(static_cast<std::int64_t>(next));
+        } else {
+            lines.append(next);
+        }
         lines.append(std::string_view("."));
     }
     return true;
