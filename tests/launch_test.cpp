@@ -8,6 +8,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#endif
 
 #include <chrono>
 #include <csignal>
@@ -132,7 +138,7 @@ TEST(Launch, GivesUpWhenPatienceRunsOut) {
               notRunning);
 }
 
-TEST(Launch, ClosesTheProgramOff) {
+void expectClosedOff() {
     const Opener opener(R"(
 for n in 0 1 2; do [ /dev/fd/$n -ef /dev/null ] && echo "null $n" >>streams; done
 for n in 3 4 5 6 7 8 9; do
@@ -144,6 +150,23 @@ done)");
     ::close(inheritable);
     ::close(zero);
     EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
+}
+
+TEST(Launch, ClosesTheProgramOff) {
+    expectClosedOff();
+#ifdef SYS_close_range
+    // Also on a Linux from before this call.
+    std::thread([] {
+        sock_filter steps[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0),
+                               BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_close_range, 0, 1),
+                               BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+                               BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+        const sock_fprog program{4, steps};
+        ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+        ASSERT_EQ(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+        expectClosedOff();
+    }).join();
+#endif
 }
 
 TEST(Launch, LeavesNoSignalIgnoredOrBlocked) {

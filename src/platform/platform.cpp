@@ -15,6 +15,10 @@
 
 #include <array>
 #include <climits>
+#else
+#include <sys/syscall.h>
+
+#include <algorithm>
 #endif
 
 // POSIX leaves declaring it to the program.
@@ -31,6 +35,25 @@ std::optional<std::string> homeFolderIn(const passwd* entry) {
     }
     return entry->pw_dir;
 }
+
+#ifndef __APPLE__
+/// Sees to it that no started program inherits a descriptor but the standard streams.
+void closeDescriptorsAtExec() {
+#ifdef SYS_close_range
+    // Not every C library has a function for it, nor each one's headers a name for marking only.
+    constexpr unsigned closeAtExec = 1U << 2U;
+    if (::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, closeAtExec) == 0) {
+        return;
+    }
+#endif
+    // Linux before 5.11, or a container that forbids it. A limit may be in the millions, which
+    // nobody waits for.
+    const int limit = static_cast<int>(std::min(::sysconf(_SC_OPEN_MAX), 65536L));
+    for (int descriptor = STDERR_FILENO + 1; descriptor < limit; ++descriptor) {
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    }
+}
+#endif
 
 /// What a started program gets instead of our descriptors, and of what is done about signals here.
 class CleanStart {
@@ -55,7 +78,7 @@ public:
             POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_CLOEXEC_DEFAULT;
 #else
         constexpr int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-        posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+        closeDescriptorsAtExec();
 #endif
         posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
     }
