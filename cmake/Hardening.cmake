@@ -5,7 +5,7 @@ include(CheckCXXSourceCompiles)
 
 # Some compilers only warn of a flag that means nothing to them.
 set(CMAKE_REQUIRED_FLAGS -Werror)
-foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
+foreach(flag -fPIE -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
              -mbranch-protection=standard)
   string(MAKE_C_IDENTIFIER "FERNLOW_HAS${flag}" has_flag)
   check_cxx_compiler_flag(${flag} ${has_flag})
@@ -14,7 +14,7 @@ foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection=f
   endif()
 endforeach()
 
-# Distributions may define it already, to something else.
+# Distributions may define it already, to something else. Of the C libraries musl has nothing like it.
 set(CMAKE_REQUIRED_FLAGS "-Werror -O2 -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
 check_cxx_source_compiles("#include <cstdio>\nint main() { return 0; }" FERNLOW_HAS_FORTIFY_3)
 set(fortify_level 2)
@@ -27,6 +27,5 @@ add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=${fortify_level}
 
 if(NOT APPLE)
   # macOS has position-independent programs only, and nothing like the rest.
-  add_compile_options(-fPIE)
   add_link_options(-pie -Wl,-z,relro,-z,now)
 endif()

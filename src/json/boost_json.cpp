@@ -1,2 +1,2 @@
-// Boost.JSON itself, for systems that have its headers but no static library of it.
+// Boost.JSON itself.
 #include <boost/json/src.hpp>
