@@ -36,10 +36,10 @@ std::string completed(std::string line) {
     return result;
 }
 
-std::string bashCompleted(std::string_view before, std::string_view replaced, int version = 5,
+std::string bashCompleted(std::string_view before, std::string_view replaced,
                           std::string_view after = " --json; x --no-launch") {
     std::string result;
-    for (const auto& line : completeBashLine({before, after, version, replaced}, surroundings())) {
+    for (const auto& line : completeBashLine({before, after, replaced}, surroundings())) {
         result += line + "|";
     }
     return result;
@@ -108,7 +108,8 @@ TEST(Completion, AsksTheApplication) {
               "A b"},
              {"groups remove --name ", R"([{"name":"A\u202eb"},{"name":7}])", "GET /v1/groups ",
               ""},
-             {"disable ", R"([{"path":"/é"}])", "GET /v1/projects ", "+folders /é"},
+             {"disable ", R"([{"path":"/é"}])", "GET /v1/projects ", "/é"},
+             {"disable /e", R"([{"path":"/é"}])", "GET /v1/projects ", "+folders"},
              {"wait --since ", R"({"logCursor":9223372036854775807})", "GET /v1/status ",
               "9223372036854775807"},
              {"log --since ", R"({"logCursor":9223372036854775808})", "GET /v1/status ", ""},
@@ -169,7 +170,7 @@ TEST(Completion, SaysNothingOfWhatIsWrong) {
               "socket\n--no-launch\tDo not start Fernlow if it is not running\n0"},
              {"words 4 collections set --kind hooks x", "nothing\n0"},
              {"words 3 settings set \"$(printf '\\377')=\" ''", "nothing\n0"},
-             {"bash x 'fernlow \"ad' '' ad", "nothing\nadd\n0"}}) {
+             {"bash 'fernlow \"ad' '' ad", "nothing\nadd\n0"}}) {
         FILE* const output = ::popen((line + " " + arguments + " 2>&1; printf $?").c_str(), "r");
         std::string text(1000, '\0');
         text.resize(std::fread(text.data(), 1, text.size(), output));
@@ -181,15 +182,21 @@ TEST(Completion, SaysNothingOfWhatIsWrong) {
 TEST(Completion, WritesWhatBashPutsInPlace) {
     for (const auto& [line, replaced, expected] :
          std::vector<std::tuple<std::string, std::string, std::string>>{
-             {"a; fernlow sta", "sta", "status|"},
+             {"fernlow log\nls sta", "sta", ""},
              {"fernlow 'wait' --j", "--j", ""},
-             {"fernlow wait --no", "--no", "--no-launch|"},
-             {"fernlow process $(fernlow st", "st", "status|"},
-             {"fernlow log >| out --si", "--si", "--since|"},
-             {"fernlow log 2>&1 &>> x --si", "--si", "--since|"},
+             {"fernlow wait --no", "--no", "--no-launch |"},
+             {"fernlow process $(ls st", "st", ""},
+             {"fernlow wait \"$(ls st", "$(ls st", ""},
+             {"fernlow \"x$(a)", "$(a)", ""},
+             {"fernlow sta", "other", ""},
+             {"fernlow log > /et", "/et", "/etc/|"},
+             {"fernlow add /et", "/et", "/etc/|"},
+             {"fernlow log x=(a b) @(a|b) --si", "--si", "--since |"},
+             {"fernlow log >| out --si", "--si", "--since |"},
+             {"fernlow log 2>&1 &>> x --si", "--si", "--since |"},
              {"fernlow log --project \"$(a \"b\" `c`)\" <(x) $((1+(2))) ${x:-a b} --si", "--si",
-              "--since|"},
-             {"fernlow log $'it\\'s' --si", "--si", "--since|"},
+              "--since |"},
+             {"fernlow log $'it\\'s' --si", "--si", "--since |"},
              {"fernlow log ${x:- --si", "--si", ""},
              {"fernlow log # it's --si", "--si", ""},
              {"fernlow log $x--si", "--si", ""},
@@ -198,29 +205,35 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
              {"fernlow " + std::string(200000, '('), "", ""}}) {
         EXPECT_EQ(bashCompleted(line, replaced), "nothing|" + expected) << line;
     }
-    EXPECT_EQ(bashCompleted("fernlow log > ou", "ou"), "files|");
-    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", 5, " $(x) --since 3"), "nothing|");
-    EXPECT_EQ(bashCompleted("fernlow add --offset 2", "2", 5, ">x"), "nothing|");
-    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", 5, ";fernlow log --since 3"),
-              "nothing|--since|");
-    EXPECT_EQ(bashCompleted("fernlow \"sta", "sta", 5, " b\" --json"), "nothing|status|");
+    EXPECT_EQ(bashCompleted("fernlow add ~/", "~/"), "folders|");
+    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", " $(x) --since 3"), "nothing|");
+    EXPECT_EQ(bashCompleted("fernlow add --offset 2", "2", ">x"), "nothing|");
+    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", ";fernlow log --since 3"),
+              "nothing|--since |");
+    EXPECT_EQ(bashCompleted("fernlow \"sta", "sta", " b\" --json"), "nothing|status|");
     const std::string endless(100000, ' ');
-    EXPECT_EQ(bashCompleted("fernlow sta", "sta", 5, endless + "x"), "nothing|status|");
+    EXPECT_EQ(bashCompleted("fernlow sta", "sta", endless + "x"), "nothing|status |");
     std::string many;
     for (int number = 0; number < 2500; ++number) {
         many += R"({"name":"n)" + std::to_string(number) + R"("},)";
     }
     const ScriptedPeer groups({answer(reply(R"({"ok":true,"result":[)" + many + "{}]}"))});
     EXPECT_EQ(completed("--socket " + groups.path() + " move --group n2499"), "n2499");
+    ScriptedPeer unasked({answer(reply(R"({"ok":true,"result":[{"name":"n"}]})"))});
+    for (const std::string word : {"$(x)", "\"`x`\"", "*", "$x"}) {
+        EXPECT_EQ(
+            bashCompleted("fernlow --socket " + unasked.path() + " move " + word + " --group ", ""),
+            "nothing|");
+    }
     const ScriptedPeer history({answer(reply(R"({"ok":true,"result":[{"name":"a!!"}]})"))});
     EXPECT_EQ(bashCompleted("fernlow --socket " + history.path() + " move --group \"a", "a"),
               "nothing|");
     const auto group = answer(reply(R"({"ok":true,"result":[{"name":"k=a: 'b' \"$x"}]})"));
     for (const auto& [word, replaced, expected] :
          std::vector<std::tuple<std::string, std::string, std::string>>{
-             {"k=", "", R"(nothing|a:\ \'b\'\ \"\$x|)"},
-             {"k=a", "k=a", R"(nothing|k=a:\ \'b\'\ \"\$x|)"},
-             {R"(k=a:\ )", R"(\ )", R"(nothing|\ \'b\'\ \"\$x|)"},
+             {"k=", "", R"(nothing|a:\ \'b\'\ \"\$x |)"},
+             {"k=a", "k=a", R"(nothing|k=a:\ \'b\'\ \"\$x |)"},
+             {R"(k=a:\ )", R"(\ )", R"(nothing|\ \'b\'\ \"\$x |)"},
              {R"("k=)", "k=", R"(nothing|k=a: 'b' \"\$x|)"},
              {R"('k=)", "k=", R"(nothing|k=a: '\''b'\'' "$x|)"},
              {R"("k=a: 'b' )", "'b' ", R"(nothing|'b' \"\$x|)"},
@@ -230,13 +243,13 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
             bashCompleted("fernlow --socket " + peer.path() + " move --group " + word, replaced),
             expected);
     }
-    for (const auto& [version, expected] : std::vector<std::pair<int, std::string>>{
-             {5, "nospace|key=|"}, {3, "nospace|key=|key=...|"}}) {
-        const ScriptedPeer peer({answer(reply(R"({"ok":true,"result":[{"name":"key"}]})"))});
-        EXPECT_EQ(
-            bashCompleted("fernlow --socket " + peer.path() + " defaults set k", "k", version),
-            expected);
-    }
+    const ScriptedPeer setting({answer(reply(R"({"ok":true,"result":[{"name":"key"}]})"))});
+    EXPECT_EQ(bashCompleted("fernlow --socket " + setting.path() + " defaults set k", "k"),
+              "nothing|key=|");
+    const ScriptedPeer quote(
+        {answer(reply(R"({"ok":true,"result":[{"name":"it'"},{"name":"'t"}]})"))});
+    EXPECT_EQ(bashCompleted("fernlow --socket " + quote.path() + " move --group '", ""),
+              "nothing|");
 }
 
 } // namespace fernlow::test

@@ -35,13 +35,16 @@ struct Shell {
 };
 
 const Shell bash{"bash", "--norc --noprofile -i",
-                 "set -u; IFS=:; readonly line=; . P/share/bash-completion/completions/fernlow"};
-const Shell zsh{"zsh", "-f -i",
-                "fpath=(P/share/zsh/site-functions $fpath); autoload -Uz compinit; compinit -u -D; "
-                "setopt nounset; IFS=:"};
+                 "set -u; IFS=:; readonly line= IFS; cd ..; "
+                 "ln -s P/share/bash-completion/completions/fernlow .; . ./fernlow; cd"};
+const Shell zsh{
+    "zsh", "-f -i",
+    "cd ..; ln -s P/share/zsh/site-functions .; fpath=($PWD/site-functions $fpath); cd; "
+    "autoload -Uz compinit; compinit -u -D; setopt nounset; IFS=:; alias -g evil=x"};
 // Newer ones ask the terminal who it is, and wait for an answer.
-const Shell fish{"fish", "--features=no-query-term --no-config -i",
-                 "source P/share/fish/vendor_completions.d/fernlow.fish"};
+const Shell fish{
+    "fish", "--features=no-query-term --no-config -i",
+    "cd ..; ln -s P/share/fish/vendor_completions.d/fernlow.fish .; source fernlow.fish; cd"};
 
 /// A session of the shell with the installed completion, in a folder with files to complete.
 class Session {
@@ -126,25 +129,37 @@ void expectNames(const Shell& shell, Session& session) {
     fs::copy_file(session.file("prefix/bin/real"), session.file("home/bin/fernlow"));
     EXPECT_EQ(session.typed("cd ~/bin; ./fernlow stat\t"), "[status]");
     for (const std::string name :
-         {"a`evil`", "a$(evil)", "a$HOME", "a;evil", "a<(evil)", "a>evil",      "a{b,c}",
-          "a* [b]?", "a!!",      "a'b",    "a\"b",   "a\\",      " a",          "~",
-          "~root",   "a=~root",  "=evil",  "-x",     "#a",       "/gone/`evil`"}) {
+         {"a`evil`", "a$(evil)", "a$HOME", "a;evil", "a<(evil)", "a>evil",       "a{b,c}",
+          "a* [b]?", "a!!",      "a'b",    "a\"b",   "a\\",      " a",           "~",
+          "~root",   "a=~root",  "=evil",  "-x",     "#a",       "/gone/`evil`", "evil",
+          "/usr"}) {
         const bool isPath = name.starts_with('/');
         const std::string member = isPath ? "path" : "name";
         for (const std::string quote : {"", "'", "\""}) {
             // What a shell would take for something else isn't offered.
-            const bool isLeftOut = shell.program == "fish" && name.starts_with('~');
+            const bool isLeftOut = (shell.program == "fish" && name.starts_with('~')) ||
+                                   (shell.program == "zsh" && name == "evil");
             if ((isLeftOut || (shell.program == "bash" && name.ends_with('!'))) && !quote.empty()) {
                 continue;
             }
             const ScriptedPeer peer({answer(
                 reply(nlohmann::json{{"ok", true}, {"result", {{{member, name}}}}}.dump()))});
             EXPECT_EQ(session.typed("fernlow --socket " + peer.path() +
-                                    (isPath ? " remove " + quote + "/gon\t"
+                                    (isPath ? " remove " + quote + name.substr(0, 3) + "\t"
                                             : " move --group " + quote + "\t")),
                       "[--socket][" + peer.path() + (isPath ? "][remove]" : "][move][--group]") +
                           (isLeftOut ? "" : "[" + name + "]"));
         }
+    }
+    // As it does of names on the disk; but "~" begins a home folder's.
+    for (const std::string name :
+         {"`evil`", "$(evil)", "a!!", "a'b", "a\"", "a\\", " a", "=evil", "-x", "{b,c}", "~root"}) {
+        fs::create_directories(session.file("disk/" + name));
+        session.typed("cd ~/../disk; fernlow ready");
+        const std::string given = name == "~root" ? "x" : name + "/x";
+        EXPECT_EQ(session.typed("fernlow add \tx"), "[add][" + given + "]");
+        EXPECT_EQ(session.typed("fernlow add '~\t'"), "[add][~]");
+        fs::remove_all(session.file("disk"));
     }
     EXPECT_FALSE(fs::exists(session.file("ran")));
 }

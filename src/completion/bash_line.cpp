@@ -1,5 +1,8 @@
 #include "completion/bash_line.h"
 
+#include "completion/disk_names.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace fernlow::completion {
@@ -8,234 +11,163 @@ namespace {
 
 constexpr auto npos = std::string_view::npos;
 
-/// Reads a line of bash as far as it takes to tell its words apart.
+/// Reads a command as bash does, a character at a time. What bash will expand is not looked into:
+/// it stands as unknownText in its word, however deep substitutions lie within each other.
 class Splitter {
 public:
-    /// Reads a character with the one behind it (0 at the end). Gives whether it ended the command,
-    /// as ";" does.
-    bool read(char character, char next) {
-        state_.typed += character;
-        const char previous = std::exchange(previous_, '\0');
-        char& quote = state_.quote;
-        if (quote == '#') {
-            return character == '\n';
+    /// Whether the character ended the command, as ";" does.
+    bool read(char character) {
+        if (std::exchange(isAmpersand_, false) && character != '>') {
+            return true;
         }
-        if (quote == '\\') {
-            readEscaped(character);
-        } else if (character == '\\' && quote != '\'') {
-            state_.outerQuote = quote;
-            quote = '\\';
-        } else if (quote == '\'' || quote == '$') {
-            if (character == '\'') {
-                endQuote();
-            } else {
-                append(character);
+        typed_ += character;
+        const char previous = std::exchange(previous_, isEscaped_ ? '\0' : character);
+        const char within = open_.empty() ? '\0' : open_.back();
+        if (isEscaped_) {
+            isEscaped_ = false;
+            // Between double quotes a backslash is a character of its own in front of most others.
+            if (within == '"' && std::string_view("\"\\$`").find(character) == npos) {
+                put('\\');
             }
-        } else {
-            previous_ = character;
-            return readExpanded(character, previous, next);
+            put(character);
+        } else if (character == '\\' && (within != '\'' || isAnsiQuote_)) {
+            isEscaped_ = true;
+        } else if (within != '\0' && character == within) {
+            open_.pop_back();
+            isAnsiQuote_ = false;
+        } else if (within == '\'' || !opens(character, previous, within)) {
+            if (!open_.empty()) {
+                put(character);
+            } else {
+                return readUnquoted(character, previous);
+            }
         }
         return false;
     }
 
-    void startCommand() {
-        state_.words.clear();
-        state_.isRedirection = false;
-        startWord();
+    /// Ends the word at the cursor; what may be left of it belongs to no word.
+    void cut() {
+        isWord_ = true;
+        isRedirection_ = false;
+        endWord();
+        isRest_ = true;
     }
 
-    /// Has the word count as one even if it stays empty.
-    void beginWord() { state_.isWord = true; }
-
     void endWord() {
-        const bool isWord = state_.isWord || !state_.word.empty();
-        if (isWord && !state_.isRedirection) {
-            state_.words.push_back(state_.word);
+        const bool isWord = isWord_ || !word_.empty();
+        if (isWord && !isRedirection_ && !isRest_) {
+            words_.push_back(word_);
         }
-        state_.isRedirection = state_.isRedirection && !isWord;
+        isRedirection_ = isRedirection_ && !isWord;
+        isRest_ = false;
         startWord();
     }
 
     /// Those that have ended.
-    [[nodiscard]] const std::vector<std::string>& words() const { return state_.words; }
-
-    /// The end of the substitution that is being read now ends its command, and nothing around it
-    /// is read on.
-    void stayWithin() { floor_ = around_.size(); }
+    [[nodiscard]] const std::vector<std::string>& words() const { return words_; }
 
     [[nodiscard]] BashLine line() const {
-        const char quote = state_.quote == '\\' ? state_.outerQuote : state_.quote;
-        BashLine line;
-        line.typed = state_.typed;
-        line.openQuote = quote;
-        line.isRedirection = state_.isRedirection;
-        line.isKnown = state_.isKnown;
-        // Elsewhere there are no words.
-        if (state_.closer != '}' && quote != '#' && !isTooDeep_) {
-            line.words = state_.words;
-        }
-        line.index = line.words.size();
-        line.words.push_back(state_.word);
+        const bool isQuote = open_ == "\"" || (open_ == "'" && !isAnsiQuote_);
+        BashLine line{words_,         words_.size(),
+                      typed_,         isQuote ? open_.front() : '\0',
+                      isRedirection_, isAmpersand_ || (!open_.empty() && !isQuote)};
+        line.words.push_back(word_);
         return line;
     }
 
 private:
-    struct State {
-        std::vector<std::string> words;
-        std::string word;
-        std::string typed;
-        /// The one that is open; "$" for $'...', "\\" behind a backslash, "#" in a comment.
-        char quote = '\0';
-        /// The quote around a backslash.
-        char outerQuote = '\0';
-        /// Whether a word has begun, though it may be empty yet.
-        bool isWord = false;
-        bool isRedirection = false;
-        /// Whether the word will be what its text says: nothing in it is expanded.
-        bool isKnown = true;
-        /// What ends the substitution that all this stands in, or 0.
-        char closer = '\0';
-        /// Parentheses that are open within it.
-        int parentheses = 0;
-    };
-
     void startWord() {
-        state_.word.clear();
-        state_.typed.clear();
-        state_.isWord = false;
-        state_.isKnown = true;
+        word_.clear();
+        typed_.clear();
+        isWord_ = false;
     }
 
-    void append(char character) { state_.word += character; }
-
-    void endQuote() { state_.quote = '\0'; }
-
-    void readEscaped(char character) {
-        state_.quote = std::exchange(state_.outerQuote, '\0');
-        // Between double quotes a backslash is a character of its own in front of most others.
-        if (state_.quote != '\0' && std::string_view("\"\\$`").find(character) == npos) {
-            append('\\');
+    /// Adds to the word, unless the character is a part of what is not looked into.
+    void put(char character) {
+        const bool isValue =
+            open_.empty() || (open_.size() == 1 && (open_ == "\"" || open_ == "'"));
+        if (isValue && !isAnsiQuote_) {
+            word_ += character;
         }
-        append(character);
     }
 
-    /// Where "$" and "`" have their meaning: outside quotes and between double ones.
-    bool readExpanded(char character, char previous, char next) {
-        const bool isQuoted = state_.quote == '"';
-        if (character == '`' && state_.closer == '`') {
-            return leave();
-        }
-        if (character == '$' || character == '`' || character == '!') {
-            state_.isKnown = false;
-        }
-        if (character == '`') {
-            enter('`');
-        } else if (previous == '$' && character == '(') {
-            enter(')');
-        } else if (previous == '$' && character == '{') {
-            enter('}');
-        } else if (isQuoted && character == '"') {
-            endQuote();
-        } else if (isQuoted) {
-            append(character);
+    /// Whether a quote or a substitution begins there.
+    bool opens(char character, char previous, char within) {
+        const bool isQuoted = within == '"';
+        if (character == '"' && !isQuoted) {
+            isWord_ = true;
+            open_ += '"';
+        } else if (character == '\'' && !isQuoted) {
+            isWord_ = true;
+            isAnsiQuote_ = previous == '$';
+            open_ += '\'';
+        } else if (character == '`') {
+            put(unknownText);
+            open_ += '`';
+        } else if (character == '{' && previous == '$') {
+            open_ += '}';
+        } else if (character == '(' && (!isQuoted || previous == '$')) {
+            // That of "<(" is no redirection.
+            isRedirection_ = isRedirection_ && previous != '<' && previous != '>';
+            put(unknownText);
+            open_ += ')';
         } else {
-            return readUnquoted(character, previous, next);
+            // History is looked up between double quotes too.
+            const bool isExpanded =
+                character == '$' || character == '!' ||
+                (open_.empty() && std::string_view("*?[{").find(character) != npos);
+            if (isExpanded) {
+                put(unknownText);
+            }
+            return isExpanded;
         }
-        return false;
+        return true;
     }
 
-    bool readUnquoted(char character, char previous, char next) {
-        if (character == state_.closer && state_.parentheses-- == 0) {
-            return leave();
-        }
-        const bool isInWord = state_.isWord || !state_.word.empty();
-        switch (character) {
-        case '\'':
-        case '"':
-            state_.quote = character == '\'' && previous == '$' ? '$' : character;
-            beginWord();
-            return false;
-        case ' ':
-        case '\t':
+    bool readUnquoted(char character, char previous) {
+        const bool isOperator = previous == '<' || previous == '>';
+        if (character == ' ' || character == '\t') {
             endWord();
-            return false;
-        case '<':
-        case '>':
+        } else if (character == '&' && !isOperator) {
+            // It may be that of "&>".
+            endWord();
+            isAmpersand_ = true;
+        } else if (isOperator && (character == '|' || character == '&')) {
+            // A part of ">|", ">&" and "<&".
+        } else if (std::string_view(";|)\n").find(character) != npos ||
+                   (character == '#' && !isWord_ && word_.empty())) {
+            return true;
+        } else if (character == '<' || character == '>') {
             // The number of a descriptor belongs to the redirection.
-            if (!state_.isWord && state_.word.find_first_not_of("0123456789") == npos) {
+            if (!word_.empty() && word_.find_first_not_of("0123456789") == npos) {
                 startWord();
             }
             endWord();
-            state_.isRedirection = true;
+            isRedirection_ = true;
+        } else {
+            const bool isHome = character == '~' && (previous == '=' || previous == ':');
+            word_ += isHome ? unknownText : character;
             return false;
-        case '(':
-            if (previous == '<' || previous == '>') {
-                state_.isRedirection = false;
-                state_.isKnown = false;
-                enter(')');
-                return false;
-            }
-            state_.parentheses += state_.closer == ')' ? 1 : 0;
-            return true;
-        case '|':
-        case '&':
-            // A part of ">|", ">&" or "&>".
-            return previous != '>' && previous != '<' && !(character == '&' && next == '>');
-        case ')':
-        case ';':
-        case '\n':
-            return true;
-        case '#':
-            state_.quote = isInWord ? '\0' : '#';
-            break;
-        case '~':
-            state_.isKnown = state_.isKnown && isInWord && previous != '=' && previous != ':';
-            break;
-        case '*':
-        case '?':
-        case '[':
-        case '{':
-            state_.isKnown = false;
-            break;
-        default:
-            break;
         }
-        append(character);
+        typed_.clear();
         return false;
     }
 
-    /// A substitution has words of its own; around it, it is a part of a word that nobody knows.
-    void enter(char closer) {
-        beginWord();
-        if (around_.size() == deepest) {
-            isTooDeep_ = true;
-            return;
-        }
-        around_.push_back(std::move(state_));
-        state_ = State{};
-        state_.closer = closer;
-        previous_ = '\0';
-    }
-
-    /// As read().
-    bool leave() {
-        previous_ = '\0';
-        if (around_.size() == floor_) {
-            return true;
-        }
-        state_ = std::move(around_.back());
-        around_.pop_back();
-        return false;
-    }
-
-    static constexpr std::size_t deepest = 100;
-
-    State state_;
-    std::vector<State> around_;
-    std::size_t floor_ = 0;
-    bool isTooDeep_ = false;
-    /// The character before, where it had its meaning.
+    std::vector<std::string> words_;
+    std::string word_;
+    std::string typed_;
+    /// What ends each of the quotes and substitutions that are open.
+    std::string open_;
     char previous_ = '\0';
+    bool isEscaped_ = false;
+    /// Whether the single quote that is open began as "$'", in which a backslash escapes.
+    bool isAnsiQuote_ = false;
+    /// Whether a word has begun, though it may be empty yet.
+    bool isWord_ = false;
+    bool isRedirection_ = false;
+    bool isAmpersand_ = false;
+    /// Whether the word is what the cursor has cut off another.
+    bool isRest_ = false;
 };
 
 /// The text as bash reads it back, within the quote that is open.
@@ -257,9 +189,10 @@ std::string quoted(std::string_view text, char openQuote) {
 }
 
 /// Whether bash leaves the quoted text as it is. Between double quotes it would put a command of
-/// its history in place of "!"; and it takes a text that ends with the open quote for closed.
+/// its history in place of "!"; and it takes the open quote at either end for the opening or the
+/// closing one.
 bool canStandIn(char openQuote, const std::string& text) {
-    return openQuote == '\0' || (!text.ends_with(openQuote) &&
+    return openQuote == '\0' || (!text.starts_with(openQuote) && !text.ends_with(openQuote) &&
                                  (openQuote == '\'' || text.find('!') == std::string::npos));
 }
 
@@ -267,7 +200,7 @@ bool canStandIn(char openQuote, const std::string& text) {
 std::string unquoted(std::string_view typed) {
     Splitter splitter;
     for (const char character : typed) {
-        splitter.read(character, '\0');
+        splitter.read(character);
     }
     return splitter.line().words.back();
 }
@@ -275,71 +208,65 @@ std::string unquoted(std::string_view typed) {
 } // namespace
 
 BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor) {
-    const auto next = [](std::string_view text, std::size_t place) {
-        return place + 1 < text.size() ? text[place + 1] : '\0';
-    };
     Splitter splitter;
-    for (std::size_t place = 0; place < beforeCursor.size(); ++place) {
-        if (splitter.read(beforeCursor[place], next(beforeCursor, place))) {
-            splitter.startCommand();
+    for (const char character : beforeCursor) {
+        if (splitter.read(character)) {
+            return {{""}, 0, "", '\0', false, true};
         }
     }
     BashLine line = splitter.line();
-    if (line.isRedirection) {
+    if (line.isElsewhere || line.isRedirection) {
         return line;
     }
-    splitter.beginWord();
-    splitter.stayWithin();
-    for (std::size_t place = 0; place < afterCursor.size(); ++place) {
-        if (splitter.read(afterCursor[place], next(afterCursor, place))) {
+    splitter.cut();
+    for (const char character : afterCursor) {
+        if (splitter.read(character)) {
             break;
         }
     }
     splitter.endWord();
-    // What is left of the word being typed belongs to no other word.
-    const auto& words = splitter.words();
-    for (std::size_t place = line.words.size(); place < words.size(); ++place) {
-        line.words.push_back(words[place]);
-    }
+    line.words = splitter.words();
     return line;
 }
 
 std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const Surroundings& surroundings) {
     const BashLine line = splitBashLine(request.beforeCursor, request.afterCursor);
-    if (line.isRedirection) {
-        return {"files"};
-    }
-    if (line.index == 0) {
+    const std::string& word = line.words[line.index];
+    if (line.isElsewhere || (line.index == 0 && !line.isRedirection) ||
+        !line.typed.ends_with(request.replaced)) {
         return {"nothing"};
     }
-    const auto completions =
-        complete({line.words.begin() + 1, line.words.end()}, line.index - 1, surroundings);
+    Completions completions{{}, line.isRedirection, false};
+    if (!line.isRedirection) {
+        completions =
+            complete({line.words.begin() + 1, line.words.end()}, line.index - 1, surroundings);
+    }
+    if (!isKnown(word) || line.typed.starts_with('~')) {
+        return {std::string(shellsOwn(completions))};
+    }
+    auto& candidates = completions.candidates;
+    const auto isOther = [&](const Candidate& candidate) {
+        return !candidate.value.starts_with(word) || !canStandIn(line.openQuote, candidate.value);
+    };
+    std::erase_if(candidates, isOther);
+    if (candidates.empty() && (completions.files || completions.folders)) {
+        candidates = namesOnDisk(word, completions.files);
+        std::erase_if(candidates, isOther);
+    }
     // What bash leaves of the word stands in front of every candidate.
     std::string_view kept = line.typed;
-    if (kept.ends_with(request.replaced)) {
-        kept.remove_suffix(request.replaced.size());
-    }
+    kept.remove_suffix(request.replaced.size());
     if (line.openQuote != '\0' && kept.ends_with(line.openQuote)) {
         kept.remove_suffix(1);
     }
     const std::size_t start = unquoted(kept).size();
-    std::vector<std::string> lines{""};
-    for (const Candidate& candidate : completions.candidates) {
-        if (line.isKnown && candidate.value.starts_with(line.words[line.index]) &&
-            canStandIn(line.openQuote, candidate.value)) {
-            lines.push_back(
-                quoted(std::string_view(candidate.value).substr(start), line.openQuote));
-        }
-    }
-    const bool goesOn = lines.size() == 2 && lines.back().ends_with('=');
-    // Bash quotes what it finds itself, and nothing of what it is given; so it gets to do the one
-    // or the other.
-    lines.front() = goesOn ? "nospace" : lines.size() == 1 ? shellsOwn(completions) : "nothing";
-    // Before version 4 a function can't change how bash goes on.
-    if (goesOn && request.version < 4) {
-        // Two that begin alike are completed so far without a space behind them.
-        lines.push_back(lines.back() + "...");
+    std::vector<std::string> lines{"nothing"};
+    for (const Candidate& candidate : candidates) {
+        const std::string& value = candidate.value;
+        const bool goesOn = value.ends_with('=') || value.ends_with('/');
+        lines.push_back(quoted(std::string_view(value).substr(start), line.openQuote) +
+                        (goesOn || line.openQuote != '\0' ? "" : " "));
     }
     return lines;
 }

@@ -21,26 +21,23 @@ struct BashLine {
     char openQuote = '\0';
     /// Whether the word being typed is the file of a redirection.
     bool isRedirection = false;
-    /// Whether bash will take that word as it is: nothing in it is expanded.
-    bool isKnown = true;
+    /// Whether the cursor is in a substitution, a comment, or behind the end of the command.
+    bool isElsewhere = false;
 };
 
-/// Splits a command line at the cursor, as bash would. Nothing is expanded: where a substitution
-/// is open, the words are those of the command in it, and one that is closed is a part of a word.
+/// Splits a command line at the cursor, as bash would. Nothing is expanded: see unknownText.
 BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor);
 
-/// How bash asks: COMP_LINE in two pieces, its major version, and the part of the last word that it
-/// will replace.
+/// How bash asks: COMP_LINE in two pieces, and the part of the last word that it will replace.
 struct BashRequest {
     std::string_view beforeCursor;
     std::string_view afterCursor;
-    int version = 0;
     std::string_view replaced;
 };
 
-/// The lines of the answer: which of bash's own completions are wanted ("files", "folders",
-/// "nospace", "nothing"), then what goes into COMPREPLY, quoted so that bash takes it for that very
-/// word.
+/// The lines of the answer: which of bash's own completions are wanted (see shellsOwn(); only for a
+/// word that bash has to expand), then what goes into COMPREPLY: quoted so that bash takes it for
+/// that very word, and with the space behind a whole one.
 std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const Surroundings& surroundings);
 

@@ -15,19 +15,7 @@ namespace fernlow::completion {
 
 namespace {
 
-/// More than anybody looks through; shells become slow with many.
-constexpr std::size_t mostCandidates = 2000;
 constexpr std::size_t longestText = 4096;
-
-/// Whether the text can neither break a line of output nor play tricks on a terminal: much of what
-/// the application tells comes from projects that somebody has downloaded.
-bool isHarmless(const std::string& text) {
-    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
-        return static_cast<unsigned char>(character) < ' ';
-    });
-    return text.size() <= longestText && !hasControl && utf8::isWellFormed(text) &&
-           !withVisibleControls(text);
-}
 
 bool isSetting(ValueKind kind) {
     return kind == ValueKind::setting || kind == ValueKind::defaultSetting ||
@@ -36,8 +24,8 @@ bool isSetting(ValueKind kind) {
 
 class Completer {
 public:
-    Completer(const TypedLine& line, const Surroundings& surroundings)
-        : line_(line), surroundings_(surroundings) {}
+    Completer(const TypedLine& line, bool mayAsk, const Surroundings& surroundings)
+        : line_(line), mayAsk_(mayAsk), surroundings_(surroundings) {}
 
     Completions complete() {
         const bool isOption = line_.current().starts_with('-');
@@ -186,7 +174,7 @@ private:
         completions_.files = value.kind == ValueKind::file;
         completions_.folders = !mustLookLikePath && (value.kind == ValueKind::folder ||
                                                      value.kind == ValueKind::project);
-        if (value.kind >= ValueKind::project) {
+        if (value.kind >= ValueKind::project && mayAsk_) {
             addKnownValues(value.kind);
         }
     }
@@ -225,6 +213,8 @@ private:
                     if (value.starts_with(line_.current()) == fits && !value.empty() &&
                         completions_.candidates.size() < mostCandidates && isHarmless(value)) {
                         add(value, isHarmless(description) ? description : "");
+                        // The same folder twice would leave the word open, and a project is meant.
+                        completions_.folders = completions_.folders && !fits;
                     }
                 }
             }
@@ -238,11 +228,24 @@ private:
     }
 
     const TypedLine& line_;
+    bool mayAsk_;
     const Surroundings& surroundings_;
     Completions completions_;
 };
 
 } // namespace
+
+bool isKnown(const std::string& word) {
+    return word.find(unknownText) == std::string::npos;
+}
+
+bool isHarmless(const std::string& text) {
+    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
+        return static_cast<unsigned char>(character) < ' ';
+    });
+    return text.size() <= longestText && !hasControl && utf8::isWellFormed(text) &&
+           !withVisibleControls(text);
+}
 
 std::string_view shellsOwn(const Completions& completions) {
     if (completions.files) {
@@ -255,7 +258,9 @@ Completions complete(const std::vector<std::string>& words, std::size_t index,
                      const Surroundings& surroundings) {
     try {
         const TypedLine line(words, index, surroundings.currentDirectory);
-        return Completer(line, surroundings).complete();
+        // An answer about another project, or from another socket, would be a wrong one.
+        const bool mayAsk = std::all_of(words.begin(), words.end(), isKnown);
+        return Completer(line, mayAsk, surroundings).complete();
     } catch (const AgentCLIUsageError&) {
         return {};
     }

@@ -3,7 +3,7 @@
 //
 //     fernlow-complete words INDEX [WORD...]
 //     fernlow-complete fish INDEX [WORD...]
-//     fernlow-complete bash VERSION BEFORE AFTER REPLACED
+//     fernlow-complete bash BEFORE AFTER REPLACED
 //
 // The first line names the shell's own completions that are wanted too; each further one is a
 // candidate, followed by a tab and its description where the shell shows one.
@@ -27,8 +27,14 @@ constexpr std::chrono::milliseconds patience(350);
 std::string completeWords(const std::vector<std::string>& arguments,
                           const Surroundings& surroundings) {
     const auto index = number::readInteger(arguments.at(1)).value_or(0);
-    const auto completions = complete({arguments.begin() + 2, arguments.end()},
-                                      static_cast<std::size_t>(index), surroundings);
+    std::vector<std::string> words(arguments.begin() + 2, arguments.end());
+    for (std::string& word : words) {
+        // The shell has taken the quotes off, but expanded nothing.
+        if (&word - words.data() != index && word.find_first_of("$`(*?") != std::string::npos) {
+            word += unknownText;
+        }
+    }
+    const auto completions = complete(words, static_cast<std::size_t>(index), surroundings);
     std::string text(shellsOwn(completions));
     const bool isFish = arguments.front() == "fish";
     for (const Candidate& candidate : completions.candidates) {
@@ -43,11 +49,9 @@ std::string completeWords(const std::vector<std::string>& arguments,
 
 std::string completeBash(const std::vector<std::string>& arguments,
                          const Surroundings& surroundings) {
-    const auto version = number::readInteger(arguments.at(1)).value_or(0);
     std::string text;
-    for (const std::string& line : completeBashLine(
-             {arguments.at(2), arguments.at(3), static_cast<int>(version), arguments.at(4)},
-             surroundings)) {
+    for (const std::string& line :
+         completeBashLine({arguments.at(1), arguments.at(2), arguments.at(3)}, surroundings)) {
         text += text.empty() ? line : "\n" + line;
     }
     return text;
