@@ -62,7 +62,7 @@ private:
             std::any_of(there.begin(), there.end(),
                         [&](const Candidate& candidate) { return candidate.value == option.word; });
         if (!isThere && !line_.globals().has(option) &&
-            !(line_.before() != nullptr && isRuledOut(option))) {
+            (line_.before() == nullptr || !isRuledOut(option))) {
             add(option.word, option.summary);
         }
     }
