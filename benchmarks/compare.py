@@ -3,11 +3,16 @@
     benchmarks/compare [--runs N]
 
 Builds, serves replies of several sizes, and measures for each of them a C program that only moves
-the bytes (the floor), fernlow, curl, and curl piped into jq. Writes results/compare.md, .csv and
+the bytes, linked as usual (the floor) and statically with what is shipped (the static floor);
+fernlow as it is shipped, static; curl; and curl piped into jq. Writes results/compare.md, .csv and
 .svg. N is the number of runs of each command, 100 at first; a quick try takes 10.
+
+Without the toolchain that makes what is shipped, fernlow is the ordinary build, and there is no
+static floor.
 """
 import argparse
 import json
+import platform
 import re
 import shlex
 import shutil
@@ -22,7 +27,11 @@ BENCHMARKS = Path(__file__).resolve().parent
 ROOT = BENCHMARKS.parent
 BUILD = ROOT / "build/bench"
 RESULTS = BENCHMARKS / "results"
-FERNLOW, FLOOR = str(BUILD / "fernlow"), str(BUILD / "benchmarks/floor")
+FLOOR = str(BUILD / "benchmarks/floor")
+HAS_TOOLCHAIN = platform.machine() == "x86_64" and any(ROOT.glob("build/toolchain/zig-*/zig"))
+SHIPPED = ROOT / "build/bench-static"
+FERNLOW = str((SHIPPED if HAS_TOOLCHAIN else BUILD) / "fernlow")
+STATIC_FLOOR = [str(SHIPPED / "benchmarks/floor")] if HAS_TOOLCHAIN else []
 IN_TERMINAL, SERVER = str(BUILD / "benchmarks/in-terminal"), str(BUILD / "benchmarks/reply-server")
 ROUNDS = 5
 
@@ -54,6 +63,10 @@ def build():
                    **quiet)
     subprocess.run(["cmake", "--build", BUILD, "-j2", "--target", "fernlow", "floor", "in-terminal",
                     "reply-server"], **quiet)
+    if HAS_TOOLCHAIN:
+        subprocess.run(["cmake", "--preset", "linux-x86_64", "-B", SHIPPED,
+                        "-DFERNLOW_BENCHMARKS=ON"], **quiet)
+        subprocess.run(["cmake", "--build", SHIPPED, "-j2", "--target", "fernlow", "floor"], **quiet)
 
 
 def commands_for(name, socket):
@@ -61,7 +74,8 @@ def commands_for(name, socket):
     reply."""
     jq = (BENCHMARKS / f"filters/{FILTERS[name]}.jq").read_text()
     curl = ["curl", "-sS", "--unix-socket", socket, "http://localhost/v1/status"]
-    floor = [FLOOR, socket, "/v1/status"]
+    request = [socket, "/v1/status"]
+    floor = [FLOOR, *request]
     terminal = [IN_TERMINAL, FERNLOW, "--socket", socket, "status"]
     shown, _ = output_and_status([IN_TERMINAL, "--show", *terminal[1:]])
     text = shown.replace(b"\r\n", b"\n")
@@ -69,6 +83,7 @@ def commands_for(name, socket):
     Path(text_file).write_bytes(text)
     return text, {
         "floor": floor,
+        **({"static floor": STATIC_FLOOR + request} if STATIC_FLOOR else {}),
         "fernlow --json": [FERNLOW, "--json", "--socket", socket, "status"],
         "curl": curl,
         "floor in a terminal": [IN_TERMINAL, *floor, text_file],
@@ -78,14 +93,14 @@ def commands_for(name, socket):
 
 
 def output_and_status(words):
-    run = subprocess.run(words, stdout=subprocess.PIPE, check=False)
+    run = subprocess.run(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
     return run.stdout, run.returncode
 
 
 def check(name, commands, body, text):
     """What is wrong with what the commands give, in sentences."""
     wrong = []
-    for command in ("floor", "fernlow --json", "curl"):
+    for command in ("floor", *(["static floor"] if STATIC_FLOOR else []), "fernlow --json", "curl"):
         if output_and_status(commands[command])[0].rstrip(b"\n") != body:
             wrong.append(f"{name}: {command} does not give the reply's body.")
     if not text or text != output_and_status(commands["curl | jq"])[0]:
@@ -118,7 +133,7 @@ def system_calls(words):
     if not shutil.which("strace"):
         return "(not counted: there is no strace)"
     run = subprocess.run(["strace", "-f", "-c", *words], stdout=subprocess.DEVNULL,
-                         stderr=subprocess.PIPE, text=True, check=True)
+                         stderr=subprocess.PIPE, text=True, check=False)
     # The line of sums: per cent, seconds, microseconds per call, calls, and errors if any.
     return re.search(r"^100\.00\s+\S+\s+\S+\s+(\d+)\s.*total$", run.stderr, re.MULTILINE)[1]
 
@@ -127,9 +142,9 @@ def libraries(program):
     """The shared libraries a program loads."""
     if not shutil.which("ldd"):
         return "(not listed: there is no ldd)"
-    listed = subprocess.run(["ldd", program], capture_output=True, text=True, check=True).stdout
-    names = [line.split()[0].rpartition("/")[2] for line in listed.splitlines()]
-    return ", ".join(name for name in names if not name.startswith("linux-"))
+    listed = subprocess.run(["ldd", program], capture_output=True, text=True, check=False).stdout
+    names = [line.split()[0].rpartition("/")[2] for line in listed.splitlines() if "(0x" in line]
+    return ", ".join(name for name in names if name[:3] == "lib") or "nothing"
 
 
 def table(header, rows):
@@ -142,7 +157,9 @@ def ratios(measured):
     """Those of one reply, in the order of the table's columns."""
     def ratio(one, other):
         return measured[one].median / measured[other].median
-    return [ratio("fernlow --json", "floor"), ratio("fernlow in a terminal", "floor in a terminal"),
+    return [ratio("fernlow --json", "floor"),
+            *([ratio("fernlow --json", "static floor")] if STATIC_FLOOR else []),
+            ratio("fernlow in a terminal", "floor in a terminal"),
             ratio("fernlow --json", "curl"), ratio("curl | jq", "fernlow in a terminal")]
 
 
@@ -164,16 +181,19 @@ def report(results, sizes, wrong, system):
     runs = ", ".join(f"{name} {len(measured['floor'].times)}" for name, measured in results.items())
     return f"""# fernlow beside the floor, curl and jq
 
-Whole runs on one machine, in turns, with their output read from a pipe. The floor is a C program
-that sends the same request and writes the reply's body. Text is what fernlow writes to a terminal
+Whole runs on one machine, in turns, with their output read from a pipe. fernlow is {system["kind"]}.
+The floor is a C program that sends the same request and writes the reply's body, linked as usual; the
+static floor is the same, linked like fernlow. Text is what fernlow writes to a terminal
 only, so those runs and a floor to set beside them go through a program that gives them a
 pseudo-terminal: its time is in both (in the status rounds, around a program that does nothing:
 {system["terminal"]:.2f} ms).
 That floor reads the same reply and writes fernlow's text, which it is given in a file.
 "curl | jq" makes the same text, in `sh -c`, and writes it to the pipe without that program.
 
-{table(["reply", "fernlow --json / floor", "text / floor, both in a terminal",
-        "fernlow --json / curl", "curl | jq / text"], compared)}
+{table(["reply", "fernlow --json / floor", *(["/ static floor"] if STATIC_FLOOR else []),
+        "text / floor, both in a terminal", "fernlow --json / curl", "curl | jq / text"], compared)}
+As people type it, `fernlow --no-launch status`, with nobody there: {system["nobody"]}
+
 Medians in milliseconds ± the distance between the quartiles:
 
 {table(["reply", "bytes", *results["status"]], medians)}
@@ -181,7 +201,7 @@ Runs of each command: {runs}.
 
 {linearity(results, sizes)}
 For the status reply fernlow --json makes {system["fernlow calls"]} system calls, the floor \
-{system["floor calls"]}. fernlow loads {system["fernlow libraries"]}; the floor \
+{system["floor calls"]}; with nobody there, and as people type it, {system["nobody calls"]}. fernlow loads {system["fernlow libraries"]}; the floor \
 {system["floor libraries"]}.
 
 {" ".join(wrong) or "jq's text was the same as fernlow's for every reply."}
@@ -191,7 +211,7 @@ For the status reply fernlow --json makes {system["fernlow calls"]} system calls
 def draw(results, folder):
     data = folder / "ratios"
     data.write_text("".join(
-        f"{name} {ratios(measured)[0]} {ratios(measured)[1]} "
+        f"{name} {ratios(measured)[0]} {ratios(measured)[-3]} "
         f"{measured['curl'].median / measured['floor'].median}\n"
         for name, measured in results.items()))
     subprocess.run(["gnuplot"], text=True, check=True, input=f"""
@@ -231,21 +251,33 @@ def main():
 
 def compare(folder, runs):
     """Everything once the server runs; whether all commands gave what they should."""
-    results, sizes, wrong, nothing = {}, {}, [], None
+    results, sizes, wrong, others = {}, {}, [], {}
+    typed = [FERNLOW, "--no-launch", "status"]
+    if output_and_status(typed)[1] != 3:
+        wrong.append("Somebody listens where nobody should.")
+    # Measured once, among the status replies.
+    alone = {"nothing": [IN_TERMINAL, shutil.which("true")], "as typed": typed,
+             "floor, nobody there": [FLOOR, str(folder / "nobody"), "/v1/status"]}
     for name in FILTERS:
         body = (folder / f"{name}.json").read_bytes()
         text, commands = commands_for(name, str(folder / name))
         sizes[name] = len(body)
         wrong += check(name, commands, body, text)
         if name == "status":
-            commands["nothing"] = [IN_TERMINAL, shutil.which("true")]
+            commands |= alone
         is_large = len(body) > 10**7
         few, warmup = (min(runs, 20), 3) if is_large else (runs, 10)
         results[name] = measure(commands, few, warmup, folder)
-        nothing = results[name].pop("nothing", None) or nothing
+        others |= {each: results[name].pop(each) for each in alone if each in results[name]}
         print(name, *(f"{each.median:.2f}" for each in results[name].values()), flush=True)
     _, status = commands_for("status", str(folder / "status"))
-    system = {"terminal": nothing.median,
+    system = {"kind": "the static program that is shipped" if HAS_TOOLCHAIN else "the ordinary build",
+              "terminal": others["nothing"].median,
+              "nobody": "{:.2f} ms, {:.2f} of the floor's {:.2f}.".format(
+                  others["as typed"].median,
+                  others["as typed"].median / others["floor, nobody there"].median,
+                  others["floor, nobody there"].median),
+              "nobody calls": system_calls(typed),
               "fernlow calls": system_calls(status["fernlow --json"]),
               "floor calls": system_calls(status["floor"]),
               "fernlow libraries": libraries(FERNLOW), "floor libraries": libraries(FLOOR)}
