@@ -32,11 +32,14 @@ struct Shell {
     std::string arguments;
     /// Loads the completion, and makes the shell as unlike a fresh one as people make theirs.
     std::string start;
+    /// Loads it from no file at all.
+    std::string startFromNowhere = ":";
 };
 
 const Shell bash{"bash", "--norc --noprofile -i",
                  "set -u; IFS=:; readonly line= IFS; cd ..; "
-                 "ln -s P/share/bash-completion/completions/fernlow .; . ./fernlow; cd"};
+                 "ln -s P/share/bash-completion/completions/fernlow .; . ./fernlow; cd",
+                 "eval \"$(cat ~/../fernlow)\""};
 const Shell zsh{
     "zsh", "-f -i",
     "cd ..; ln -s P/share/zsh/site-functions .; fpath=($PWD/site-functions $fpath); cd; "
@@ -44,7 +47,8 @@ const Shell zsh{
 // Newer ones ask the terminal who it is, and wait for an answer.
 const Shell fish{
     "fish", "--features=no-query-term --no-config -i",
-    "cd ..; ln -s P/share/fish/vendor_completions.d/fernlow.fish .; source fernlow.fish; cd"};
+    "cd ..; ln -s P/share/fish/vendor_completions.d/fernlow.fish .; source fernlow.fish; cd",
+    "cat ~/../fernlow.fish | source"};
 
 /// A session of the shell with the installed completion, in a folder with files to complete.
 class Session {
@@ -193,6 +197,11 @@ void expectCompletions(const Shell& shell) {
     EXPECT_EQ(session.typed("fernlow --socket " + stalled.path() + " settings sche\t"),
               "[--socket][" + stalled.path() + "][settings][schema]");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    // Then there is no engine, and none in the folder one looks at.
+    std::filesystem::create_directories(session.file("home/a/b/c"));
+    session.typed("cd ~/a/b/c; " + shell.startFromNowhere + "; fernlow ready");
+    session.typed("fernlow stat\t");
+    EXPECT_FALSE(std::filesystem::exists(session.file("ran")));
 }
 
 } // namespace
