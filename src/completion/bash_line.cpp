@@ -251,7 +251,7 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
     };
     std::erase_if(candidates, isOther);
     if (candidates.empty() && (completions.files || completions.folders)) {
-        candidates = namesOnDisk(word, completions.files);
+        candidates = namesOnDisk(word, completions.files, surroundings.deadline);
         std::erase_if(candidates, isOther);
     }
     // What bash leaves of the word stands in front of every candidate.

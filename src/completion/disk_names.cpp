@@ -28,7 +28,8 @@ bool isFolder(const std::string& path) {
 
 } // namespace
 
-std::vector<Candidate> namesOnDisk(const std::string& typed, bool files) {
+std::vector<Candidate> namesOnDisk(const std::string& typed, bool files,
+                                   std::chrono::steady_clock::time_point deadline) {
     const std::size_t slash = typed.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : typed.substr(0, slash + 1);
     const std::string beginning = typed.substr(folder.size());
@@ -38,6 +39,9 @@ std::vector<Candidate> namesOnDisk(const std::string& typed, bool files) {
         const dirent* const entry = ::readdir(open.get());
         if (entry == nullptr) {
             break;
+        }
+        if (std::chrono::steady_clock::now() > deadline) {
+            return {};
         }
         const std::string path = folder + entry->d_name;
         if (isMeant(entry->d_name, beginning, folder.empty())) {
