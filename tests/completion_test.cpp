@@ -196,6 +196,7 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
              {"fernlow log 2>&1 &>> x --si", "--si", "--since |"},
              {"fernlow log --project \"$(a \"b\" `c`)\" <(x) $((1+(2))) ${x:-a b} --si", "--si",
               "--since |"},
+             {"fernlow wait --since \\2>x --se", "--se", "--settle |"},
              {"fernlow log $'it\\'s' --si", "--si", "--since |"},
              {"fernlow log ${x:- --si", "--si", ""},
              {"fernlow log # it's --si", "--si", ""},

@@ -138,8 +138,8 @@ private:
                    (character == '#' && !isWord_ && word_.empty())) {
             return true;
         } else if (character == '<' || character == '>') {
-            // The number of a descriptor belongs to the redirection.
-            if (!word_.empty() && word_.find_first_not_of("0123456789") == npos) {
+            // The number of a descriptor, quoted nowhere, belongs to the redirection.
+            if (typed_.find_first_not_of("0123456789") + 1 == typed_.size()) {
                 startWord();
             }
             endWord();
