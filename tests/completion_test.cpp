@@ -108,6 +108,8 @@ TEST(Completion, AsksTheApplication) {
               "A b"},
              {"groups remove --name ", R"([{"name":"A\u202eb"},{"name":7}])", "GET /v1/groups ",
               ""},
+             {"groups rename ", R"([{"name":"-x"},{"name":"--json"}])", "GET /v1/groups ", ""},
+             {"move --group ", R"([{"name":"-x"},{"name":"--json"}])", "GET /v1/groups ", "-x"},
              {"disable ", R"([{"path":"/é"}])", "GET /v1/projects ", "/é"},
              {"disable /e", R"([{"path":"/é"}])", "GET /v1/projects ", "+folders"},
              {"wait --since ", R"({"logCursor":9223372036854775807})", "GET /v1/status ",

@@ -14,10 +14,15 @@ fail() {
 
 # quietly WHAT COMMAND...: shows what the command says only if it fails; it stands in $said after.
 quietly() {
-    local what=$1
+    local what=$1 mode=$- status
     shift
-    # Not in a file: the disk may be full.
-    said=$("$@" 2>&1) || {
+    # Not as a condition, which would let a function go on after a fault; and not in a file: the disk
+    # may be full.
+    set +e
+    said=$(set -e; "$@" 2>&1)
+    status=$?
+    [[ $mode != *e* ]] || set -e
+    [ "$status" = 0 ] || {
         printf '%s\n' "$said" | tail -n 60 >&2
         fail "$what failed; the lines above say why."
     }
@@ -39,10 +44,14 @@ begin_build() {
     local lock=$PWD/build/lock holder said_so=
     mkdir -p build
     until ln -s "$$ ($script)" "$lock" 2>/dev/null; do
-        # Without one, build/ can't be written, which whatever builds there says better.
-        holder=$(readlink "$lock") || return 0
+        # That build/ can't be written, whatever builds there says better.
+        [ -w build ] || return 0
+        holder=$(readlink "$lock") || continue
         if [ ! -d "/proc/${holder%% *}" ] && ! ps -p "${holder%% *}" >/dev/null 2>&1; then
-            rm -f "$lock"
+            # Who comes second moves nothing, or what another has put there: then that goes back.
+            ! mv "$lock" "$lock.$$" 2>/dev/null || [ "$(readlink "$lock.$$")" = "$holder" ] ||
+                mv "$lock.$$" "$lock"
+            rm -f "$lock.$$"
             continue
         fi
         [ -n "$said_so" ] || echo "$script: waiting for process $holder, which is building here." >&2

@@ -6,6 +6,7 @@
 #include "commands/usage_error.h"
 
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace fernlow {
@@ -131,40 +132,41 @@ AgentCLIAction parseCollectionSchema(CommandLine& line) {
 
 constexpr OptionList collectionsOptions{&kind, &id, &type, &newExtension, &values, &position};
 
+constexpr std::string_view collections = "collections";
 constexpr auto commands = std::to_array<Command>({
-    {.word = "collections",
+    {.word = collections,
      .summary = "Hooks, build steps, WebP presets, custom extensions",
      .operands = {&anyProject},
      .options = {&onlyKind},
      .shared = &collectionsOptions,
      .parse = parseCollections},
-    {.word = "collections",
+    {.word = collections,
      .subcommand = "add",
      .summary = "Make a row",
      .operands = {&anyProject},
      .required = {&kind},
      .options = {&type, &newExtension, &values},
      .parse = parseCollectionAdd},
-    {.word = "collections",
+    {.word = collections,
      .subcommand = "remove",
      .summary = "Delete a row",
      .operands = {&anyProject},
      .required = {&kind, &id},
      .parse = parseCollectionRemove},
-    {.word = "collections",
+    {.word = collections,
      .subcommand = "move",
      .summary = "Put a build step elsewhere",
      .operands = {&anyProject},
      .required = {&kind, &id, &position},
      .parse = parseCollectionMove},
-    {.word = "collections",
+    {.word = collections,
      .subcommand = "set",
      .summary = "Change a row, wholly or not at all",
      .operands = {&rowChanges},
      .required = {&kind, &id},
      .options = {&values},
      .parse = parseCollectionSet},
-    {.word = "collections",
+    {.word = collections,
      .subcommand = "schema",
      .summary = "What a row of each kind holds",
      .options = {&onlyKind},

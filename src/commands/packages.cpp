@@ -81,14 +81,6 @@ AgentCLIAction parsePackages(CommandLine& line) {
     return post("/v1/packages", request);
 }
 
-constexpr Choice<AgentPreviewAddress> address{"--address",
-                                              "Which of the preview server's addresses",
-                                              wireWord(AgentPreviewAddress::preferred)};
-constexpr Text browser{"--browser",
-                       {ValueKind::text, "bundleID", "Fernlow's choice"},
-                       "Which browser, such as com.apple.Safari"};
-constexpr Text page{"--page", {ValueKind::text, "path"}, "A path below the preview root"};
-
 struct AgentPreviewRequest {
     AgentPreviewAddress address = AgentPreviewAddress::preferred;
     std::optional<std::string> browserBundleID;
@@ -97,10 +89,18 @@ struct AgentPreviewRequest {
     FERNLOW_WIRE_FIELDS(address, browserBundleID, relativePath)
 };
 
+constexpr Choice<AgentPreviewAddress> address{"--address",
+                                              "Which of the preview server's addresses",
+                                              wireWord(AgentPreviewRequest().address)};
+constexpr Text browser{"--browser",
+                       {ValueKind::text, "bundleID", "Fernlow's choice"},
+                       "Which browser, such as com.apple.Safari"};
+constexpr Text page{"--page", {ValueKind::text, "path"}, "A path below the preview root"};
+
 AgentCLIAction parsePreview(CommandLine& line) {
     AgentPreviewRequest request;
     line.rejectLeftoverWords();
-    request.address = line.value(address).value_or(AgentPreviewAddress::preferred);
+    request.address = line.value(address).value_or(request.address);
     request.browserBundleID = line.value(browser);
     request.relativePath = line.value(page);
     return post("/v1/preview", request);

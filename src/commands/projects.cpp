@@ -168,6 +168,7 @@ AgentCLIAction parseRename(CommandLine& line) {
     return post("/v1/projects/rename", request);
 }
 
+constexpr std::string_view groups = "groups";
 constexpr auto commands = std::to_array<Command>({
     {.word = "add",
      .summary = "Add a folder as a project",
@@ -191,25 +192,25 @@ constexpr auto commands = std::to_array<Command>({
      .operands = {&watchChange},
      .parse = parseWatch},
 
-    {.word = "groups",
+    {.word = groups,
      .summary = "Every sidebar group, and what is in each",
      .shared = &groupOptions,
      .parse = parseGroupList},
-    {.word = "groups",
+    {.word = groups,
      .subcommand = "add",
      .summary = "Make a group",
      .operands = {&newGroupName},
      .options = {&newGroup},
      .ignoresOtherWords = true,
      .parse = parseGroupAdd},
-    {.word = "groups",
+    {.word = groups,
      .subcommand = "remove",
      .summary = "Delete a group; its projects go back to Projects",
      .operands = {&oldGroupName},
      .options = {&oldGroup},
      .ignoresOtherWords = true,
      .parse = parseGroupRemove},
-    {.word = "groups",
+    {.word = groups,
      .subcommand = "rename",
      .summary = "Rename a group",
      .operands = {&oldGroupName, &otherGroupName},

@@ -6,6 +6,7 @@
 #include "commands/setting_values.h"
 
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace fernlow {
@@ -103,25 +104,27 @@ AgentCLIAction parseDefaultsSchema(CommandLine& line) {
 constexpr OptionList settingsOptions{&ofLanguage, &ofExtension, &values};
 constexpr OptionList defaultsOptions{&ofLanguage, &values};
 
+constexpr std::string_view settings = "settings";
+constexpr std::string_view defaults = "defaults";
 constexpr auto commands = std::to_array<Command>({
-    {.word = "settings",
+    {.word = settings,
      .summary = "Every setting a project holds",
      .operands = {&anyProject},
      .shared = &settingsOptions,
      .parse = parseSettings},
-    {.word = "settings",
+    {.word = settings,
      .subcommand = "set",
      .summary = "Change settings, wholly or not at all",
      .operands = {&projectChanges},
      .options = {&ofLanguage, &ofExtension, &inProject, &values},
      .parse = parseSettingsSet},
-    {.word = "settings",
+    {.word = settings,
      .subcommand = "schema",
      .summary = "What settings exist, and what changing each one does",
      .operands = {&anyProject},
      .options = {&ofLanguage},
      .parse = parseSettingsSchema},
-    {.word = "settings",
+    {.word = settings,
      .subcommand = "apply-output-paths",
      .summary = "Recalculate the output paths of existing files",
      .operands = {&anyProject},
@@ -129,17 +132,17 @@ constexpr auto commands = std::to_array<Command>({
      .options = {&ofExtension},
      .parse = parseApplyOutputPaths},
 
-    {.word = "defaults",
+    {.word = defaults,
      .summary = "The settings a project added later will start with",
      .shared = &defaultsOptions,
      .parse = parseDefaults},
-    {.word = "defaults",
+    {.word = defaults,
      .subcommand = "set",
      .summary = "Change the defaults, wholly or not at all",
      .operands = {&defaultChanges},
      .options = {&ofLanguage, &values},
      .parse = parseDefaultsSet},
-    {.word = "defaults",
+    {.word = defaults,
      .subcommand = "schema",
      .summary = "Which of those settings exist",
      .options = {&ofLanguage},

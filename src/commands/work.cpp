@@ -92,7 +92,7 @@ struct AgentLogQuery {
 
 AgentCLIAction parseLog(CommandLine& line) {
     AgentLogQuery query;
-    query.since = line.value(logSince).value_or(0);
+    query.since = line.value(logSince).value_or(query.since);
     query.limit = line.value(limit);
     query.projectPath = line.value(projectAsTyped);
     if (line.has(errorsOnly)) {
@@ -148,6 +148,7 @@ AgentCLIAction parseRefresh(CommandLine& line) {
     return post("/v1/refresh", request);
 }
 
+/// For "check" as well, whose AgentSyntaxCheckRequest has the same four fields.
 struct AgentOptimizeRequest {
     std::vector<std::string> paths;
     bool wait = true;
@@ -155,9 +156,6 @@ struct AgentOptimizeRequest {
     double timeoutSeconds = timeout.usual();
     FERNLOW_WIRE_FIELDS(paths, wait, settleMilliseconds, timeoutSeconds)
 };
-
-/// The same four fields, for "check".
-using AgentSyntaxCheckRequest = AgentOptimizeRequest;
 
 AgentOptimizeRequest takeFileWork(CommandLine& line) {
     AgentOptimizeRequest request;
@@ -172,8 +170,7 @@ AgentCLIAction parseOptimize(CommandLine& line) {
 }
 
 AgentCLIAction parseCheck(CommandLine& line) {
-    const AgentSyntaxCheckRequest request = takeFileWork(line);
-    return post("/v1/check", request);
+    return post("/v1/check", takeFileWork(line));
 }
 
 constexpr Operand sources{{ValueKind::file, "path"}, true, true};

@@ -141,7 +141,7 @@ private:
         const Operand* const last = *(operands.end() - 1);
         std::size_t position = line_.before()->left().size();
         if (isSetting(last->value.kind)) {
-            // Settings may stand in front of the file too; what they are not, they are told by.
+            // Settings may stand in front of the file too: a word with "=" is one.
             if (line_.current().find('=') != std::string::npos) {
                 return last;
             }
@@ -202,6 +202,16 @@ private:
                                         : *socket;
     }
 
+    /// Whether the command would take the word for what it is: not for an option.
+    [[nodiscard]] bool mayBeGiven(const std::string& value) const {
+        const auto globals = GlobalOptions::all();
+        const bool isGlobal =
+            std::any_of(globals.begin(), globals.end(),
+                        [&](const Option* option) { return option->word == value; });
+        const bool isOperand = line_.awaiting() == nullptr;
+        return !value.empty() && !isGlobal && !(isOperand && value.starts_with('-'));
+    }
+
     void addKnownValues(ValueKind kind) {
         try {
             Application application(socketPath(), surroundings_.deadline);
@@ -210,7 +220,7 @@ private:
             // Those that begin like what is typed come first, lest the others leave them no room.
             for (const bool fits : {true, false}) {
                 for (const auto& [value, description] : known) {
-                    if (value.starts_with(line_.current()) == fits && !value.empty() &&
+                    if (value.starts_with(line_.current()) == fits && mayBeGiven(value) &&
                         completions_.candidates.size() < mostCandidates && isHarmless(value)) {
                         add(value, isHarmless(description) ? description : "");
                         // The same folder twice would leave the word open, and a project is meant.

@@ -13,11 +13,12 @@ struct Closer {
     void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-/// Whether the name is a stranger's trick, or means something else as the beginning of a path.
+/// Whether a name may be offered: it is no stranger's trick, and neither hidden nor, as the
+/// beginning of a path, somebody's home folder or an option.
 bool isMeant(const std::string& name, const std::string& beginning, bool isWholePath) {
     const bool isHidden = name.starts_with('.') && !beginning.starts_with('.');
-    const bool isHome = isWholePath && name.starts_with('~');
-    return name.starts_with(beginning) && name != "." && name != ".." && !isHidden && !isHome &&
+    const bool isOther = isWholePath && (name.starts_with('~') || name.starts_with("--"));
+    return name.starts_with(beginning) && name != "." && name != ".." && !isHidden && !isOther &&
            isHarmless(name);
 }
 

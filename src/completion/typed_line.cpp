@@ -44,7 +44,7 @@ TypedLine::TypedLine(std::vector<std::string> words, std::size_t index,
         whole_ = understood(std::move(words), currentDirectory);
     } catch (const AgentCLIUsageError&) {
         // The subcommand is still being typed, and what stands behind it is taken for one.
-        whole_.reset();
+        whole_ = before_;
     }
 }
 

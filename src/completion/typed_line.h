@@ -31,7 +31,7 @@ public:
 
     /// The whole line but for that word, as far as it can be understood; for what has been given
     /// already. Null where before() is.
-    [[nodiscard]] const CommandLine* whole() const { return whole_ ? &*whole_ : before(); }
+    [[nodiscard]] const CommandLine* whole() const { return whole_ ? &*whole_ : nullptr; }
 
     [[nodiscard]] const GlobalOptions& globals() const { return globals_; }
 

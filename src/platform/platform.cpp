@@ -48,7 +48,9 @@ void closeDescriptorsAtExec() {
 #endif
     // Linux before 5.11, or a container that forbids it. A limit may be in the millions, which
     // nobody waits for.
-    const int limit = static_cast<int>(std::min(::sysconf(_SC_OPEN_MAX), 65536L));
+    constexpr long most = 65536;
+    const long allowed = ::sysconf(_SC_OPEN_MAX);
+    const int limit = static_cast<int>(allowed < 0 ? most : std::min(allowed, most));
     for (int descriptor = STDERR_FILENO + 1; descriptor < limit; ++descriptor) {
         ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
     }

@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::string_view lineBreak = "\r\n";
 constexpr std::string_view blankLine = "\r\n\r\n";
+/// For requests that don't say; that --timeout has the same default is a coincidence.
 constexpr double usualReplyTimeout = 600;
 constexpr std::string_view timeoutKey = "timeoutSeconds";
 
