@@ -186,6 +186,7 @@ void expectCompletions(const Shell& shell) {
     EXPECT_EQ(session.typed("fernlow wait --proj\tx"), "[wait][--project][x]");
     EXPECT_EQ(session.typed("fernlow preview --address bon\t"), "[preview][--address][bonjour]");
     EXPECT_EQ(session.typed("fernlow process a\\ na\t"), "[process][a naïve file.js]");
+    EXPECT_EQ(session.typed("fernlow add ~/my\tx"), "[add][" + session.file("home/my déjà vu/x]"));
     EXPECT_EQ(session.typed("fernlow add my\tx"), "[add][my déjà vu/x]");
     EXPECT_EQ(session.typed(socket + "move --group We\t"),
               "[--socket][../s][move][--group][Web: work]");
