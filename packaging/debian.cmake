@@ -1,5 +1,5 @@
-# CPack runs this when everything is in its staging folder: it adds the copyright and the changelog
-# that Debian wants and the reasons for what lintian warns of, and compresses what Debian compresses.
+# CPack runs this when everything is in its staging folder: it adds the changelog that Debian wants
+# and the reasons for what lintian warns of, and compresses what Debian compresses.
 set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
 
 # The time is SOURCE_DATE_EPOCH's, where that is set.
@@ -10,7 +10,6 @@ file(WRITE "${share}/doc/fernlow/changelog" "fernlow (${CPACK_PACKAGE_VERSION}) 
 
  -- ${CPACK_DEBIAN_PACKAGE_MAINTAINER}  ${date}
 ")
-file(COPY "${CMAKE_CURRENT_LIST_DIR}/copyright" DESTINATION "${share}/doc/fernlow")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/lintian-overrides"
   "${share}/lintian/overrides/fernlow" COPYONLY)
 

@@ -1,6 +1,7 @@
 #include "completion/bash_line.h"
 #include "completion/completion.h"
 #include "support/command_line.h"
+#include "support/process.h"
 #include "support/scripted_peer.h"
 
 #include <gtest/gtest.h>
@@ -157,13 +158,15 @@ TEST(Completion, WaitsForNobody) {
     }
     const ScriptedPeer peer({[](auto& silent) { silent.waitUntilGone(); }});
     const auto start = std::chrono::steady_clock::now();
-    const std::string engine = "'" FERNLOW_COMPLETE "' words 3 --socket " + peer.path();
+    const std::string engine =
+        "'" + program("libexec/fernlow-complete") + "' words 3 --socket " + peer.path();
     EXPECT_EQ(std::system((engine + " remove '' >/dev/null").c_str()), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 TEST(Completion, SaysNothingOfWhatIsWrong) {
-    const std::string line = "d=$(mktemp -d) && cd $d && rmdir $d && '" FERNLOW_COMPLETE "'";
+    const std::string line =
+        "d=$(mktemp -d) && cd $d && rmdir $d && '" + program("libexec/fernlow-complete") + "'";
     for (const auto& [arguments, expected] : std::vector<std::pair<std::string, std::string>>{
              {"", "0"},
              {"words", "0"},

@@ -17,6 +17,10 @@ namespace {
 
 using Connection = ScriptedPeer::Connection;
 
+/// More than a socket takes when it is sent, where each byte is written as six, and little enough
+/// for a command line.
+const std::string longPath(130000, '\x01');
+
 /// Megabytes of blanks after a reply's end.
 ScriptedPeer::Script flood(int megabytes) {
     return [megabytes](Connection& connection) {
@@ -71,8 +75,8 @@ TEST(HostilePeer, IsGivenUpWhenItStalls) {
         std::thread(stall, answer(""), "vendor", readFailed),
         std::thread(stall, answer("HTTP/1.1 200 OK\r\n\r\n{\"ok\":"), "vendor", readFailed),
         std::thread(
-            stall, [](Connection& connection) { connection.awaitFirstByte(); },
-            std::string(8U << 20U, 'x'), writeFailed),
+            stall, [](Connection& connection) { connection.awaitFirstByte(); }, longPath,
+            writeFailed),
     };
     for (std::thread& run : runs) {
         run.join();
@@ -125,7 +129,7 @@ TEST(HostilePeer, CostsNoDescriptor) {
         EXPECT_EQ(runAgainst(peer, "status"), done);
         EXPECT_EQ(runAgainst(peer, "status"), malformed);
         EXPECT_EQ(runAgainst(peer, "status"), afterReset);
-        EXPECT_EQ(runAgainst(peer, "process /" + std::string(8U << 20U, 'x')), writeFailed);
+        EXPECT_EQ(runAgainst(peer, "process " + longPath), writeFailed);
         peer.requests();
         EXPECT_EQ(runAgainst(peer, "status"), notRunning);
     }

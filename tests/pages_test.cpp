@@ -55,8 +55,9 @@ void expectTrue(const std::string& page, bool inTerminal) {
     const std::string home = std::filesystem::canonical(folder.path()).string();
     const Transcript transcript(page);
     ASSERT_NE(transcript.shown, "") << page;
-    const std::string script = "fernlow() { '" FERNLOW_PROGRAM "' --no-launch --socket " + home +
-                               "/s \"$@\"; }\n" + replaced(transcript.script, "/home/me", home);
+    const std::string script = "fernlow() { '" + program("bin/fernlow") +
+                               "' --no-launch --socket " + home + "/s \"$@\"; }\n" +
+                               replaced(transcript.script, "/home/me", home);
     ProgramRun run{{"-c", script}, home, {}, inTerminal};
     run.program = "/bin/sh";
     EXPECT_EQ(replaced(replaced(runProgram(run).standardOutput, home, "/home/me"), "\r", ""),

@@ -37,6 +37,11 @@ at_the_end() {
     trap 'exit 143' TERM
 }
 
+# llvm_tool NAME: that of LLVM's programs; where several versions are installed, they are in the names.
+llvm_tool() {
+    compgen -c "llvm-$1" | sed -nE "/^llvm-$1(-[0-9]+)?$/p" | sort -V | tail -n 1
+}
+
 # begin_build, end_build: around what configures or builds in build/, which bears one at a time. The
 # lock is a link that says who holds it, so that one whose holder was killed is seen for what it is.
 build_lock=

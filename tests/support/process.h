@@ -19,8 +19,15 @@ struct Outcome {
 };
 std::ostream& operator<<(std::ostream& stream, const Outcome& outcome);
 
+/// A program by where it is installed, such as "bin/fernlow": the one that was built with the
+/// tests, or the one in the folder that FERNLOW_PREFIX names in the environment, which is then the
+/// one tested.
+std::string program(const std::string& place);
+
 /// Calls runAgentCLI() in this process with the words of a line (see splitWords()), as in a
-/// terminal, and with files in place of the standard streams.
+/// terminal, and with files in place of the standard streams. Where FERNLOW_PREFIX is set, that
+/// program is run instead: its folder is another, its patience its own, and /usr/bin/open has to
+/// run what FERNLOW_OPEN names.
 Outcome runLine(std::string_view line, LaunchSettings launch = {});
 
 /// How the built program is run.
@@ -34,7 +41,7 @@ struct ProgramRun {
     /// stands in the outcome's standardOutput.
     bool inTerminal = false;
     /// Another program instead.
-    const char* program = FERNLOW_PROGRAM;
+    std::string program = test::program("bin/fernlow");
 };
 
 /// Runs the built program and waits for it.
