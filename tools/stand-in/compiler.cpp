@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 
 namespace fernlow::standin {
 
@@ -79,8 +80,8 @@ Json bracketIssues(const std::string& text) {
     for (const auto& [character, where] : open) {
         issues.push_back(issueAt(where, character, "is never closed"));
     }
-    std::stable_sort(issues.begin(), issues.end(), [](const Json& one, const Json& other) {
-        return one["line"].get<int>() < other["line"].get<int>();
+    std::sort(issues.begin(), issues.end(), [](const Json& one, const Json& other) {
+        return std::tie(one["line"], one["column"]) < std::tie(other["line"], other["column"]);
     });
     return issues;
 }
