@@ -46,9 +46,6 @@ bool awaitReady(int socket, short event, Clock::time_point end) {
     constexpr auto longest = milliseconds(std::numeric_limits<int>::max());
     pollfd waiting{socket, event, 0};
     int count = 0;
-    if (left(end) == Clock::duration::zero()) {
-        return false;
-    }
     // After an interruption it looks once more even where no time is left: what it waits for may
     // have come while the process was stopped.
     do {
@@ -129,13 +126,14 @@ Connection::Connection(const std::string& socketPath, Patience patience)
 template <class Transfer>
 ssize_t Connection::carry(short event, Transfer transfer) const {
     const auto end = endOfWait(patience_);
-    ssize_t count = -1;
-    do {
-        if (!awaitReady(socket_.get(), event, end)) {
-            return -1;
-        }
+    // Before the transfer, or a peer that never pauses would be listened to beyond the end.
+    if (left(end) == Clock::duration::zero()) {
+        return -1;
+    }
+    ssize_t count = transfer();
+    while (count < 0 && errno == EAGAIN && awaitReady(socket_.get(), event, end)) {
         count = transfer();
-    } while (count < 0 && errno == EAGAIN);
+    }
     return count;
 }
 
