@@ -1,6 +1,7 @@
 #include "cli/output.h"
 #include "cli/run.h"
 #include "commands/paths.h"
+#include "platform/platform.h"
 
 #include <unistd.h>
 
@@ -26,6 +27,7 @@ void endWithoutException() {
 } // namespace
 
 int main(int argc, char** argv) {
+    fernlow::platform::protectRelocations();
     std::set_terminate(&endWithoutException);
     const bool standardOutputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     try {

@@ -44,7 +44,7 @@ CurrentDirectory CurrentDirectory::ofProcess() {
     struct Free {
         void operator()(char* text) const { std::free(text); }
     };
-    // Both systems allocate a result of any length when they are given no buffer.
+    // Given no buffer, the systems allocate the result, of any length (but musl, up to PATH_MAX).
     const std::unique_ptr<char, Free> path(::getcwd(nullptr, 0));
     // Linux reports a folder outside the process's root with "(unreachable)" in front.
     if (path != nullptr && *path == '/') {

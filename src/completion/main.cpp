@@ -11,6 +11,7 @@
 #include "cli/output.h"
 #include "completion/bash_line.h"
 #include "completion/completion.h"
+#include "platform/platform.h"
 
 #include <unistd.h>
 
@@ -60,6 +61,7 @@ std::string completeBash(const std::vector<std::string>& arguments,
 } // namespace
 
 int main(int argc, char** argv) {
+    platform::protectRelocations();
     const auto deadline = std::chrono::steady_clock::now() + patience;
     // Where there isn't even the memory for throwing.
     std::set_terminate([] { ::_exit(0); });

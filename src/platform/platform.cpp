@@ -16,9 +16,21 @@
 #include <array>
 #include <climits>
 #else
+#include <dirent.h>
 #include <sys/syscall.h>
 
-#include <algorithm>
+#include <cstdlib>
+#endif
+
+// musl, which gives itself no name.
+#if defined(__linux__) && !defined(__GLIBC__)
+#define FERNLOW_WITH_MUSL
+#include <link.h>
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 #endif
 
 // POSIX leaves declaring it to the program.
@@ -46,13 +58,15 @@ void closeDescriptorsAtExec() {
         return;
     }
 #endif
-    // Linux before 5.11, or a container that forbids it. A limit may be in the millions, which
-    // nobody waits for.
-    constexpr long most = 65536;
-    const long allowed = ::sysconf(_SC_OPEN_MAX);
-    const int limit = static_cast<int>(allowed < 0 ? most : std::min(allowed, most));
-    for (int descriptor = STDERR_FILENO + 1; descriptor < limit; ++descriptor) {
-        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    // Linux before 5.11, or a container that forbids it.
+    if (DIR* const open = ::opendir("/proc/self/fd")) {
+        while (const dirent* const entry = ::readdir(open)) {
+            const int descriptor = std::atoi(entry->d_name);
+            if (descriptor > STDERR_FILENO) {
+                ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+            }
+        }
+        ::closedir(open);
     }
 }
 #endif
@@ -81,6 +95,9 @@ public:
 #else
         constexpr int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
         closeDescriptorsAtExec();
+        // What goes by the name of macOS's program here may look for its words in this folder,
+        // which may be anybody's.
+        posix_spawn_file_actions_addchdir_np(&actions_, "/");
 #endif
         posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
     }
@@ -103,6 +120,59 @@ private:
 
 } // namespace
 
+#ifdef FERNLOW_WITH_MUSL
+
+namespace {
+
+/// musl's own look-ups ask nscd about whom the file doesn't know, wait for it without limit, and
+/// believe what it says of its answer's length. They also take an entry that is commented out.
+template <class Condition>
+std::optional<std::string> homeFolderWhere(Condition holds) {
+    std::FILE* const users = std::fopen("/etc/passwd", "re");
+    if (users == nullptr) {
+        return std::nullopt;
+    }
+    const passwd* entry = nullptr;
+    do {
+        entry = ::fgetpwent(users);
+    } while (entry != nullptr &&
+             (std::strchr("#+-", *entry->pw_name) != nullptr || !holds(*entry)));
+    auto home = homeFolderIn(entry);
+    std::fclose(users);
+    return home;
+}
+
+/// For dl_iterate_phdr, which begins with the program itself.
+int protectRelocationsOf(dl_phdr_info* program, std::size_t /*size*/, void* /*context*/) {
+    const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+    for (int index = 0; index < program->dlpi_phnum; ++index) {
+        const auto& part = program->dlpi_phdr[index];
+        if (part.p_type == PT_GNU_RELRO) {
+            const auto begin = (program->dlpi_addr + part.p_vaddr) & -page;
+            const auto end = (program->dlpi_addr + part.p_vaddr + part.p_memsz) & -page;
+            ::mprotect(reinterpret_cast<void*>(begin), end - begin, PROT_READ);
+        }
+    }
+    return 1;
+}
+
+} // namespace
+
+std::optional<std::string> homeFolder() {
+    return homeFolderWhere(
+        [user = ::getuid()](const passwd& entry) { return entry.pw_uid == user; });
+}
+
+std::optional<std::string> homeFolderOf(const std::string& user) {
+    return homeFolderWhere([&](const passwd& entry) { return entry.pw_name == user; });
+}
+
+void protectRelocations() {
+    ::dl_iterate_phdr(protectRelocationsOf, nullptr);
+}
+
+#else
+
 std::optional<std::string> homeFolder() {
     return homeFolderIn(::getpwuid(::getuid()));
 }
@@ -110,6 +180,10 @@ std::optional<std::string> homeFolder() {
 std::optional<std::string> homeFolderOf(const std::string& user) {
     return homeFolderIn(::getpwnam(user.c_str()));
 }
+
+void protectRelocations() {}
+
+#endif
 
 std::string applicationSupportFolder() {
 #ifdef __APPLE__

@@ -10,6 +10,10 @@
 /// The few questions asked of the operating system that macOS and Linux answer differently.
 namespace fernlow::platform {
 
+/// To be called first: makes what the start of the program has put in place read-only where the
+/// system leaves that to the program.
+void protectRelocations();
+
 /// The home folder of the user who runs this process, from the user database and never from the
 /// environment. Absent when the database doesn't know the user.
 std::optional<std::string> homeFolder();
@@ -23,7 +27,8 @@ std::string applicationSupportFolder();
 
 /// Starts a program and waits until it has ended; how it ended is not told, and neither is that it
 /// could not be started. Its standard streams are the null device and it inherits no other
-/// descriptor, so it never holds a pipe of our caller open; no signal is ignored or blocked for it.
+/// descriptor, so it never holds a pipe of our caller open; no signal is ignored or blocked for it,
+/// but for those that the C library keeps to itself.
 void runProgram(const std::string& path, const std::vector<std::string>& arguments);
 
 /// Prepares a new socket so that sendWithoutSignal() holds and no started program inherits it.
