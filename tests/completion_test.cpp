@@ -40,7 +40,7 @@ std::string completed(std::string line) {
 std::string bashCompleted(std::string_view before, std::string_view replaced,
                           std::string_view after = " --json; x --no-launch") {
     std::string result;
-    for (const auto& line : completeBashLine({before, after, replaced}, surroundings())) {
+    for (const auto& line : completeBashLine({before, after, replaced, "/usr"}, surroundings())) {
         result += line + "|";
     }
     return result;
@@ -175,7 +175,7 @@ TEST(Completion, SaysNothingOfWhatIsWrong) {
               "socket\n--no-launch\tDo not start Fernlow if it is not running\n0"},
              {"words 4 collections set --kind hooks x", "nothing\n0"},
              {"words 3 settings set \"$(printf '\\377')=\" ''", "nothing\n0"},
-             {"bash 'fernlow \"ad' '' ad", "nothing\nadd\n0"}}) {
+             {"bash 'fernlow \"ad' '' ad /", "add\n0"}}) {
         FILE* const output = ::popen((line + " " + arguments + " 2>&1; printf $?").c_str(), "r");
         std::string text(1000, '\0');
         text.resize(std::fread(text.data(), 1, text.size(), output));
@@ -195,6 +195,10 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
              {"fernlow \"x$(a)", "$(a)", ""},
              {"fernlow sta", "other", ""},
              {"fernlow log > /et", "/et", "/etc/|"},
+             {"fernlow log > ~/loc", "~/loc", "~/local/|"},
+             {"fernlow add ~/\"loc", "loc", "local/|"},
+             {"fernlow add $x/loc", "$x/loc", ""},
+             {"fernlow add ~roo", "~roo", ""},
              {"fernlow add /et", "/et", "/etc/|"},
              {"fernlow log x=(a b) @(a|b) --si", "--si", "--since |"},
              {"fernlow log >| out --si", "--si", "--since |"},
@@ -209,16 +213,14 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
              {"fernlow \"`x`sta", "sta", ""},
              {"fernlow sta*", "sta*", ""},
              {"fernlow " + std::string(200000, '('), "", ""}}) {
-        EXPECT_EQ(bashCompleted(line, replaced), "nothing|" + expected) << line;
+        EXPECT_EQ(bashCompleted(line, replaced), expected) << line;
     }
-    EXPECT_EQ(bashCompleted("fernlow add ~/", "~/"), "folders|");
-    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", " $(x) --since 3"), "nothing|");
-    EXPECT_EQ(bashCompleted("fernlow add --offset 2", "2", ">x"), "nothing|");
-    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", ";fernlow log --since 3"),
-              "nothing|--since |");
-    EXPECT_EQ(bashCompleted("fernlow \"sta", "sta", " b\" --json"), "nothing|status|");
+    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", " $(x) --since 3"), "");
+    EXPECT_EQ(bashCompleted("fernlow add --offset 2", "2", ">x"), "");
+    EXPECT_EQ(bashCompleted("fernlow wait --si", "--si", ";fernlow log --since 3"), "--since |");
+    EXPECT_EQ(bashCompleted("fernlow \"sta", "sta", " b\" --json"), "status|");
     const std::string endless(100000, ' ');
-    EXPECT_EQ(bashCompleted("fernlow sta", "sta", endless + "x"), "nothing|status |");
+    EXPECT_EQ(bashCompleted("fernlow sta", "sta", endless + "x"), "status |");
     std::string many;
     for (int number = 0; number < 2500; ++number) {
         many += R"({"name":"n)" + std::to_string(number) + R"("},)";
@@ -229,21 +231,20 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
     for (const std::string word : {"$(x)", "\"`x`\"", "*", "$x"}) {
         EXPECT_EQ(
             bashCompleted("fernlow --socket " + unasked.path() + " move " + word + " --group ", ""),
-            "nothing|");
+            "");
     }
     const ScriptedPeer history({answer(reply(R"({"ok":true,"result":[{"name":"a!!"}]})"))});
-    EXPECT_EQ(bashCompleted("fernlow --socket " + history.path() + " move --group \"a", "a"),
-              "nothing|");
+    EXPECT_EQ(bashCompleted("fernlow --socket " + history.path() + " move --group \"a", "a"), "");
     const auto group = answer(reply(R"({"ok":true,"result":[{"name":"k=a: 'b' \"$x"}]})"));
     for (const auto& [word, replaced, expected] :
          std::vector<std::tuple<std::string, std::string, std::string>>{
-             {"k=", "", R"(nothing|a:\ \'b\'\ \"\$x |)"},
-             {"k=a", "k=a", R"(nothing|k=a:\ \'b\'\ \"\$x |)"},
-             {R"(k=a:\ )", R"(\ )", R"(nothing|\ \'b\'\ \"\$x |)"},
-             {R"("k=)", "k=", R"(nothing|k=a: 'b' \"\$x|)"},
-             {R"('k=)", "k=", R"(nothing|k=a: '\''b'\'' "$x|)"},
-             {R"("k=a: 'b' )", "'b' ", R"(nothing|'b' \"\$x|)"},
-             {"other", "other", "nothing|"}}) {
+             {"k=", "", R"(a:\ \'b\'\ \"\$x |)"},
+             {"k=a", "k=a", R"(k=a:\ \'b\'\ \"\$x |)"},
+             {R"(k=a:\ )", R"(\ )", R"(\ \'b\'\ \"\$x |)"},
+             {R"("k=)", "k=", R"(k=a: 'b' \"\$x|)"},
+             {R"('k=)", "k=", R"(k=a: '\''b'\'' "$x|)"},
+             {R"("k=a: 'b' )", "'b' ", R"('b' \"\$x|)"},
+             {"other", "other", ""}}) {
         const ScriptedPeer peer({group});
         EXPECT_EQ(
             bashCompleted("fernlow --socket " + peer.path() + " move --group " + word, replaced),
@@ -251,11 +252,10 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
     }
     const ScriptedPeer setting({answer(reply(R"({"ok":true,"result":[{"name":"key"}]})"))});
     EXPECT_EQ(bashCompleted("fernlow --socket " + setting.path() + " defaults set k", "k"),
-              "nothing|key=|");
+              "key=|");
     const ScriptedPeer quote(
         {answer(reply(R"({"ok":true,"result":[{"name":"it'"},{"name":"'t"}]})"))});
-    EXPECT_EQ(bashCompleted("fernlow --socket " + quote.path() + " move --group '", ""),
-              "nothing|");
+    EXPECT_EQ(bashCompleted("fernlow --socket " + quote.path() + " move --group '", ""), "");
 }
 
 } // namespace fernlow::test

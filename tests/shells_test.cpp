@@ -160,13 +160,15 @@ void expectNames(const Shell& shell, Session& session) {
         }
     }
     // As it does of names on the disk; but "~" begins a home folder's.
-    for (const std::string name :
-         {"`evil`", "$(evil)", "a!!", "a'b", "a\"", "a\\", " a", "=evil", "-x", "{b,c}", "~root"}) {
+    for (const std::string name : {"`evil`", "$(evil)", "a$HOME", "a!!", "a'b", "a\"", "a\\", " a",
+                                   "=evil", "-x", "{b,c}", "~root"}) {
         fs::create_directories(session.file("disk/" + name));
         session.typed("cd ~/../disk; fernlow ready");
         const std::string given = name == "~root" ? "x" : name + "/x";
         EXPECT_EQ(session.typed("fernlow add \tx"), "[add][" + given + "]");
         EXPECT_EQ(session.typed("fernlow add '~\t'"), "[add][~]");
+        EXPECT_EQ(session.typed("fernlow add ~/../disk/\tx"),
+                  "[add][" + session.file("home/../disk/") + name + "/x]");
         fs::remove_all(session.file("disk"));
     }
     EXPECT_FALSE(fs::exists(session.file("ran")));

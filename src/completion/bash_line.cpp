@@ -233,25 +233,33 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const Surroundings& surroundings) {
     const BashLine line = splitBashLine(request.beforeCursor, request.afterCursor);
     const std::string& word = line.words[line.index];
+    // Of what bash expands itself, only the home folder in front of a path is known.
+    const bool isBelowHome = line.typed.starts_with("~/");
     if (line.isElsewhere || (line.index == 0 && !line.isRedirection) ||
-        !line.typed.ends_with(request.replaced)) {
-        return {"nothing"};
+        !line.typed.ends_with(request.replaced) || !isKnown(word) ||
+        (line.typed.starts_with('~') && !isBelowHome)) {
+        return {};
     }
     Completions completions{{}, line.isRedirection, false};
     if (!line.isRedirection) {
         completions =
             complete({line.words.begin() + 1, line.words.end()}, line.index - 1, surroundings);
     }
-    if (!isKnown(word) || line.typed.starts_with('~')) {
-        return {std::string(shellsOwn(completions))};
-    }
     auto& candidates = completions.candidates;
+    if (isBelowHome) {
+        candidates.clear();
+    }
     const auto isOther = [&](const Candidate& candidate) {
         return !candidate.value.starts_with(word) || !canStandIn(line.openQuote, candidate.value);
     };
     std::erase_if(candidates, isOther);
     if (candidates.empty() && (completions.files || completions.folders)) {
-        candidates = namesOnDisk(word, completions.files, surroundings.deadline);
+        const std::string home(isBelowHome ? request.home : "");
+        const std::string path = home + word.substr(isBelowHome ? 1 : 0);
+        candidates = namesOnDisk(path, completions.files, surroundings.deadline);
+        for (Candidate& candidate : candidates) {
+            candidate.value.replace(0, home.size(), isBelowHome ? "~" : "");
+        }
         std::erase_if(candidates, isOther);
     }
     // What bash leaves of the word stands in front of every candidate.
@@ -261,12 +269,15 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
         kept.remove_suffix(1);
     }
     const std::size_t start = unquoted(kept).size();
-    std::vector<std::string> lines{"nothing"};
+    const std::string_view home(isBelowHome && start == 0 ? "~" : "");
+    std::vector<std::string> lines;
     for (const Candidate& candidate : candidates) {
         const std::string& value = candidate.value;
         const bool goesOn = value.ends_with('=') || value.ends_with('/');
-        lines.push_back(quoted(std::string_view(value).substr(start), line.openQuote) +
-                        (goesOn || line.openQuote != '\0' ? "" : " "));
+        lines.push_back(
+            std::string(home) +
+            quoted(std::string_view(value).substr(start + home.size()), line.openQuote) +
+            (goesOn || line.openQuote != '\0' ? "" : " "));
     }
     return lines;
 }

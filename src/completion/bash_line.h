@@ -28,16 +28,18 @@ struct BashLine {
 /// Splits a command line at the cursor, as bash would. Nothing is expanded: see unknownText.
 BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor);
 
-/// How bash asks: COMP_LINE in two pieces, and the part of the last word that it will replace.
+/// How bash asks: COMP_LINE in two pieces, the part of the last word that it will replace, and what
+/// it puts in place of a "~".
 struct BashRequest {
     std::string_view beforeCursor;
     std::string_view afterCursor;
     std::string_view replaced;
+    std::string_view home;
 };
 
-/// The lines of the answer: which of bash's own completions are wanted (see shellsOwn(); only for a
-/// word that bash has to expand), then what goes into COMPREPLY: quoted so that bash takes it for
-/// that very word, and with the space behind a whole one.
+/// What goes into COMPREPLY, a line each: quoted so that bash takes it for that very word, and with
+/// the space behind a whole one. Nothing for a word that bash has yet to expand: of its own
+/// completions it quotes none then.
 std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const Surroundings& surroundings);
 

@@ -3,10 +3,10 @@
 //
 //     fernlow-complete words INDEX [WORD...]
 //     fernlow-complete fish INDEX [WORD...]
-//     fernlow-complete bash BEFORE AFTER REPLACED
+//     fernlow-complete bash BEFORE AFTER REPLACED HOME
 //
-// The first line names the shell's own completions that are wanted too; each further one is a
-// candidate, followed by a tab and its description where the shell shows one.
+// Each line is a candidate, followed by a tab and its description where the shell shows one. But
+// for bash a line in front of them names the shell's own completions that are wanted too.
 #include "bytes/number.h"
 #include "cli/output.h"
 #include "completion/bash_line.h"
@@ -51,8 +51,8 @@ std::string completeWords(const std::vector<std::string>& arguments,
 std::string completeBash(const std::vector<std::string>& arguments,
                          const Surroundings& surroundings) {
     std::string text;
-    for (const std::string& line :
-         completeBashLine({arguments.at(1), arguments.at(2), arguments.at(3)}, surroundings)) {
+    for (const std::string& line : completeBashLine(
+             {arguments.at(1), arguments.at(2), arguments.at(3), arguments.at(4)}, surroundings)) {
         text += text.empty() ? line : "\n" + line;
     }
     return text;
