@@ -39,19 +39,23 @@ at_the_end() {
 
 # llvm_tool NAME: that of LLVM's programs; where several versions are installed, they are in the names.
 llvm_tool() {
-    compgen -c "llvm-$1" | sed -nE "/^llvm-$1(-[0-9]+)?$/p" | sort -V | tail -n 1
+    { compgen -c "llvm-$1" || true; } | sed -nE "/^llvm-$1(-[0-9]+)?$/p" | sort -V | tail -n 1
 }
 
 # begin_build, end_build: around what configures or builds in build/, which bears one at a time. The
 # lock is a link that says who holds it, so that one whose holder was killed is seen for what it is.
 build_lock=
 begin_build() {
-    local lock=$PWD/build/lock holder said_so=
+    local lock=$PWD/build/lock holder said_so= tries=0
     mkdir -p build
     until ln -s "$$ ($script)" "$lock" 2>/dev/null; do
         # That build/ can't be written, whatever builds there says better.
         [ -w build ] || return 0
-        holder=$(readlink "$lock") || continue
+        holder=$(readlink "$lock") || {
+            # Gone by now; or the link can't be made.
+            [ $((tries += 1)) -lt 20 ] || fail "$lock can't be made."
+            continue
+        }
         if [ ! -d "/proc/${holder%% *}" ] && ! ps -p "${holder%% *}" >/dev/null 2>&1; then
             # Who comes second moves nothing, or what another has put there: then that goes back.
             ! mv "$lock" "$lock.$$" 2>/dev/null || [ "$(readlink "$lock.$$")" = "$holder" ] ||
@@ -116,18 +120,19 @@ make_bare_root() {
     [ -n "$mirror" ] || fail "this machine's apt knows no archive of Debian's"
     eval "$(apt-config shell proxy Acquire::http::Proxy)"
     [ -z "$proxy" ] || export http_proxy=$proxy
-    debootstrap --variant=minbase ${3:+"--include=$3"} "$suite" "$root" "$mirror"
+    # Each says so itself, because whoever asks may be a condition.
+    debootstrap --variant=minbase ${3:+"--include=$3"} "$suite" "$root" "$mirror" || return
 
     # How this machine reaches the archive.
     apt-config dump | grep -E '^Acquire::(https?|Retries|Check)' \
         >"$root/etc/apt/apt.conf.d/90-host" || true
     [ ! -e /etc/resolv.conf ] || cp -L /etc/resolv.conf "$root/etc/"
-    mount -t proc proc "$root/proc"
-    mount --rbind /dev "$root/dev"
+    mount -t proc proc "$root/proc" || return
+    mount --rbind /dev "$root/dev" || return
     if [ -e "$root/usr/sbin/update-ca-certificates" ]; then
         [ ! -d /usr/local/share/ca-certificates ] ||
             cp -r /usr/local/share/ca-certificates/. "$root/usr/local/share/ca-certificates/"
-        chroot "$root" update-ca-certificates
+        chroot "$root" update-ca-certificates || return
     fi
     chroot "$root" apt-get clean
 }
