@@ -122,6 +122,14 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
                                                   "\n"
                                                   "2 of 4.\n[0]");
 
+    write("src/_ink.scss", "$ink: {\n");
+    EXPECT_EQ(seen("process src/_ink.scss"), "Compiled 0 files. 1 error, 0 warnings.\n"
+                                             "\n"
+                                             "ERROR  Syntax error in src/app.scss\n"
+                                             "The brackets don't balance.\n"
+                                             "  SITE/src/_ink.scss:1:7  This \"{\" is never "
+                                             "closed.\n[1]");
+
     EXPECT_EQ(seen("disable"), "Done.\n[0]");
     EXPECT_EQ(seen("projects"), "My site  [OFF]\n  SITE\n[0]");
     EXPECT_EQ(seen("remove ."), "Done.\n[0]");

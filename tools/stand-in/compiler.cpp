@@ -95,15 +95,34 @@ Json entryFor(const Project& project, const fs::path& file, const char* severity
             {"projectPath", project.folder.string()}};
 }
 
-/// Logs the faults of `source`; whether there were none.
-bool reportFaults(State& state, const Project& project, const fs::path& source) {
-    const Json issues = bracketIssues(textOf(source));
-    if (issues.empty()) {
+/// The file, then what it imports, and what that does.
+std::vector<fs::path> withImports(const fs::path& source) {
+    std::vector<fs::path> files{source};
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        for (const Import& import : importsOf(files[index])) {
+            if (import.file && std::ranges::find(files, *import.file) == files.end()) {
+                files.push_back(*import.file);
+            }
+        }
+    }
+    return files;
+}
+
+/// Logs the faults of `source`, some of which lie in other `files`; whether there were none.
+bool reportFaults(State& state, const Project& project, const fs::path& source,
+                  const std::vector<fs::path>& files) {
+    Json reports = Json::array();
+    for (const fs::path& file : files) {
+        if (const Json issues = bracketIssues(textOf(file)); !issues.empty()) {
+            reports.push_back({{"path", file.string()}, {"issues", issues}});
+        }
+    }
+    if (reports.empty()) {
         return true;
     }
     Json entry =
         entryFor(project, source, "error", "Syntax error in", "The brackets don't balance.");
-    entry["syntaxReports"] = Json::array({{{"path", source.string()}, {"issues", issues}}});
+    entry["syntaxReports"] = std::move(reports);
     state.record(entry);
     return false;
 }
@@ -123,7 +142,7 @@ void reportMissingImports(State& state, const Project& project, const fs::path& 
 void compile(State& state, const Project& project, const fs::path& source) {
     if (!languageOf(source).empty()) {
         reportMissingImports(state, project, source);
-        if (!reportFaults(state, project, source)) {
+        if (!reportFaults(state, project, source, withImports(source))) {
             return;
         }
     }
@@ -164,7 +183,7 @@ std::vector<fs::path> filesWithOutput(const Project& project) {
 }
 
 void checkSyntax(State& state, const Project& project, const fs::path& source) {
-    if (reportFaults(state, project, source)) {
+    if (reportFaults(state, project, source, {source})) {
         state.record(entryFor(project, source, "success", "Checked"));
     }
 }
