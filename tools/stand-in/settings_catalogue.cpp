@@ -51,6 +51,7 @@ const std::vector<Setting>& catalogue() {
         {"script", "", anyValue, atOnce, "", "hooks"},
         {"matchExtensions", Json::array(), anyValue, atOnce, "", "hooks"},
         {"pathContains", Json::array(), anyValue, atOnce, "", "hooks"},
+        {"pathDoesNotContain", Json::array(), anyValue, atOnce, "", "hooks"},
         {"name", "Untitled", anyValue, atOnce, "", "buildSteps"},
         {"script", "", anyValue, atOnce, "", "buildSteps"},
         {"name", "Untitled", anyValue, atOnce, "", "webpPresets"},
