@@ -72,18 +72,25 @@ TEST(Pages, TellErrorsByTheLineForAgents) {
     std::string recipe;
     while (!recipe.starts_with("  jq -r '") && std::getline(lines, recipe)) {
     }
-    std::ofstream(folder.file("reply.json")) << R"({"result":{"problems":[
+    const auto expectErrors = [&](const std::string& reply, const std::string& errors) {
+        std::ofstream(folder.file("reply.json")) << reply;
+        ProgramRun run{{"-c", recipe}, folder.path()};
+        run.program = "/bin/sh";
+        EXPECT_EQ(runProgram(run), (Outcome{errors, "", 0})) << reply;
+    };
+    expectErrors(R"({"result":{"problems":[
         {"path":"/a","message":"None."},
         {"path":"/x","syntaxReports":[
             {"path":"/b","issues":[{"line":9,"column":1,"reason":"Nine."},
                                    {"line":2,"column":3,"reason":"Two."}]},
             {"path":"/c","issues":[{"line":1,"column":1,"reason":"One."}]}]},
-        {"path":"/d","message":"Empty.","syntaxReports":[]}]}})";
-    ProgramRun run{{"-c", recipe}, folder.path()};
-    run.program = "/bin/sh";
-    EXPECT_EQ(runProgram(run), (Outcome{"/a: None.\n/b:2:3: Two.\n/b:9:1: Nine.\n/c:1:1: One.\n"
-                                        "/d: Empty.\n",
-                                        "", 0}));
+        {"path":"/d","message":"Empty.","syntaxReports":[]},
+        {"path":"/e","message":"No issues.","syntaxReports":[{"path":"/e"}]},
+        {"title":"Hook failed","message":"No path."}]}})",
+                 "/a: None.\n/b:2:3: Two.\n/b:9:1: Nine.\n/c:1:1: One.\n/d: Empty.\n"
+                 "/e: No issues.\nHook failed: No path.\n");
+    expectErrors(R"({"result":{"problems":[]}})", "");
+    expectErrors(R"({"result":{}})", "");
 }
 
 TEST(Pages, ShowWhatIsPrinted) {
