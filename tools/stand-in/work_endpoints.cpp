@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -239,6 +240,16 @@ std::string npmCommand(const Json& body) {
     std::string command = "npm " + (action == "forceInstall" ? "install --force" : action);
     for (const auto& package : body["packages"]) {
         command += " " + package.get<std::string>();
+    }
+    if (const auto lists = body.find("saveTo"); lists != body.end()) {
+        static const std::map<std::string, std::string> flags = {{"production", " --save-prod"},
+                                                                 {"development", " --save-dev"},
+                                                                 {"optional", " --save-optional"},
+                                                                 {"bundle", " --save-bundle"}};
+        command += lists->empty() ? " --no-save" : "";
+        for (const auto& list : *lists) {
+            command += flags.at(list);
+        }
     }
     if (body.value("exactVersions", false)) {
         command += " --save-exact";
