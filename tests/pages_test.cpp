@@ -20,7 +20,8 @@ std::string replaced(std::string text, const std::string& piece, const std::stri
 }
 
 /// What a page's ```console blocks show, and the script that prints the same. Commands in a comment
-/// that begins "<!-- console" prepare the stage, and what they print is dropped.
+/// that begins "<!-- console" prepare the stage, and what they print is dropped; `errors` is set as
+/// in what the page gives to paste.
 struct Transcript {
     std::string script = "show() { was=$?; printf '%s\\n' \"$1\"; return $was; }\nexec 2>&1\n";
     std::string shown;
@@ -29,7 +30,9 @@ struct Transcript {
         std::ifstream lines(FERNLOW_ROOT "/" + page);
         std::string_view end;
         for (std::string line; std::getline(lines, line);) {
-            if (end.empty()) {
+            if (line.starts_with("  errors='")) {
+                script += line + "\n";
+            } else if (end.empty()) {
                 end = line == "```console" ? "```" : line == "<!-- console" ? "-->" : "";
             } else if (line == end) {
                 end = "";
@@ -65,18 +68,19 @@ void expectTrue(const std::string& page, bool inTerminal) {
         << page;
 }
 
-/// The line that agents are told to read errors with, on problems of every kind.
-TEST(Pages, TellErrorsByTheLineForAgents) {
+/// What agents are told to read errors with, on problems of every kind; it keeps fernlow's status.
+TEST(Pages, TellErrorsByTheLinesForAgents) {
     const TemporaryFolder folder;
     std::ifstream lines(FERNLOW_ROOT "/docs/for-agents.md");
-    std::string recipe;
-    while (!recipe.starts_with("  jq -r '") && std::getline(lines, recipe)) {
+    std::string script = "fernlow() { cat reply.json; return 1; }\n";
+    for (std::string line; std::getline(lines, line) && !line.starts_with("- Status");) {
+        script += line.starts_with("  ") ? line + "\n" : "";
     }
     const auto expectErrors = [&](const std::string& reply, const std::string& errors) {
         std::ofstream(folder.file("reply.json")) << reply;
-        ProgramRun run{{"-c", recipe}, folder.path()};
-        run.program = "/bin/sh";
-        EXPECT_EQ(runProgram(run), (Outcome{errors, "", 0})) << reply;
+        ProgramRun run{{"-c", script}, folder.path()};
+        run.program = "/bin/bash";
+        EXPECT_EQ(runProgram(run), (Outcome{errors, "", 1})) << reply;
     };
     expectErrors(R"({"result":{"problems":[
         {"path":"/a","message":"None."},
@@ -89,6 +93,7 @@ TEST(Pages, TellErrorsByTheLineForAgents) {
         {"title":"Hook failed","message":"No path."}]}})",
                  "/a: None.\n/b:2:3: Two.\n/b:9:1: Nine.\n/c:1:1: One.\n/d: Empty.\n"
                  "/e: No issues.\nHook failed: No path.\n");
+    expectErrors(R"({"result":{"entries":[{"path":"/f","message":"Logged."}]}})", "/f: Logged.\n");
     expectErrors(R"({"result":{"problems":[]}})", "");
     expectErrors(R"({"result":{}})", "");
 }
