@@ -134,8 +134,9 @@ Json schema(State& /*unused*/, const Json& /*unused*/) {
 const Endpoints& endpoints() {
     static const Endpoints all = [] {
         Endpoints rows;
-        for (const auto* family : {&workEndpoints(), &projectEndpoints(), &settingsEndpoints(),
-                                   &fileEndpoints(), &collectionEndpoints()}) {
+        for (const auto* family :
+             {&statusEndpoints(), &workEndpoints(), &projectEndpoints(), &settingsEndpoints(),
+              &fileEndpoints(), &collectionEndpoints()}) {
             rows.insert(rows.end(), family->begin(), family->end());
         }
         rows.push_back({"GET", "/v1/schema", "This list.", "", schema});

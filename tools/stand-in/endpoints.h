@@ -27,6 +27,7 @@ const Endpoints& collectionEndpoints();
 const Endpoints& fileEndpoints();
 const Endpoints& projectEndpoints();
 const Endpoints& settingsEndpoints();
+const Endpoints& statusEndpoints();
 const Endpoints& workEndpoints();
 
 /// Answers one request. Whatever is wrong with it becomes a refusal; nothing is thrown.

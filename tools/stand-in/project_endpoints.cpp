@@ -26,6 +26,9 @@ Json addProject(State& state, const Json& body) {
     if (std::ranges::find(state.projects, folder, &Project::folder) != state.projects.end()) {
         throw Refusal(folder.string() + " is a project already.");
     }
+    if (!folder.has_filename()) {
+        throw Refusal("The whole disk can't be a project.");
+    }
     const bool isFramework = body["asFramework"];
     Project project;
     project.folder = folder;

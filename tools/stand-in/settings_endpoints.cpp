@@ -10,7 +10,7 @@ namespace {
 Json applyPatch(Json& settings, const Json& body) {
     for (const char* member : {"group", "row", "fileExtension"}) {
         if (body.contains(member)) {
-            throw Refusal(std::string("The stand-in has no settings by ") + member + ".");
+            throw Refusal("The stand-in has no settings by group, row or extension.");
         }
     }
     const std::string language = body.value("language", "");

@@ -66,7 +66,11 @@ void State::advance() {
                 job.nextStep += workTime;
             }
         } catch (const std::exception& error) {
-            record({{"severity", "error"}, {"title", "Work stopped"}, {"message", error.what()}});
+            record({{"severity", "error"},
+                    {"title", "Work stopped"},
+                    {"message", error.what()},
+                    {"path", job.project.string()},
+                    {"projectPath", job.project.string()}});
             return true;
         }
         return job.stepsDone == job.steps.size();
