@@ -109,13 +109,31 @@ TEST(Pages, TellErrorsByTheLinesForAgents) {
     expectErrors(R"({"result":{}})", "");
 }
 
-/// A switch of branches is watched by nobody, even if it fails, and isn't begun where it would be.
+/// A switch of branches is watched by nobody, even if it fails, and isn't begun where it would be
+/// or where somebody else has the project off.
 TEST(Pages, SwitchBranchesByTheLineForAgents) {
-    const std::string git = "git() { echo git; return 1; }\n";
-    EXPECT_EQ(runForAgents("  (", git + "fernlow() { echo $2; }"),
-              (Outcome{"wait\ndisable\ngit\nenable\n", "", 1}));
-    EXPECT_EQ(runForAgents("  (", git + "fernlow() { echo $2; [ $2 != disable ] || return 5; }"),
-              (Outcome{"wait\ndisable\n", "", 5}));
+    const auto expectSteps =
+        [](const std::string& refused, const std::string& steps, int status) {
+            const std::string isOn = refused == "projects" ? "false" : "true";
+            EXPECT_EQ(runForAgents("  (", R"(
+            git() { echo git; return 1; }
+            fernlow() {
+                if [ $2 = projects ]; then
+                    echo "{\"result\":[{\"path\":\"/\",\"isEnabled\":true},"
+                    echo "{\"path\":\"$(pwd -P)\",\"isEnabled\":)" +
+                                              isOn + R"(}]}"
+                else
+                    echo $2
+                    [ $2 != ")" + refused + R"(" ] || return 5
+                fi
+            })"),
+                      (Outcome{steps, "", status}))
+                << refused;
+        };
+    expectSteps("nothing", "true\nwait\ndisable\ngit\nenable\n", 1);
+    expectSteps("projects", "false\n", 1);
+    expectSteps("wait", "true\nwait\n", 5);
+    expectSteps("disable", "true\nwait\ndisable\n", 5);
 }
 
 TEST(Pages, ShowWhatIsPrinted) {
