@@ -82,6 +82,7 @@ TEST_F(EndToEnd, SpeaksTextToATerminalAndJsonToAPipe) {
 
 TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("build"), "There is no project at SITE.\n[5]");
+    EXPECT_EQ(seen("add /"), "The whole disk can't be a project.\n[5]");
     EXPECT_EQ(seen("add"), "Done.\n[0]");
     EXPECT_EQ(seen("rename --name 'My site'"), "Done.\n[0]");
     EXPECT_EQ(seen("groups add Blog"), "Done.\n[0]");
@@ -129,6 +130,15 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
                                              "The brackets don't balance.\n"
                                              "  SITE/src/_ink.scss:1:7  This \"{\" is never "
                                              "closed.\n[1]");
+
+    // Nothing can be written where a folder is.
+    std::filesystem::create_directories(site() + "/build/logo.svg");
+    write("src/logo.svg", "<svg/>");
+    EXPECT_EQ(run("process src/logo.svg", false).status, 1);
+    EXPECT_NE(seen("wait --project . --since 0").find("ERROR  Work stopped"), std::string::npos);
+
+    EXPECT_EQ(read("packages install lint --save-to development,optional")["command"],
+              "npm install lint --save-dev --save-optional");
 
     EXPECT_EQ(seen("disable"), "Done.\n[0]");
     EXPECT_EQ(seen("projects"), "My site  [OFF]\n  SITE\n[0]");

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string_view>
 
 namespace fernlow::test {
@@ -78,18 +79,32 @@ std::string linesForAgents(const std::string& beginning) {
     return lines;
 }
 
-/// In a shell to which fernlow and git are what is said here.
-Outcome runForAgents(const std::string& beginning, const std::string& programs) {
+/// What bash makes of a script, in a folder of its own with a stand-in: a project with a fault,
+/// whose folder's name has a blank and is entered by a link. Its path is shown as "SITE".
+Outcome runAsAgent(const std::string& script) {
     const TemporaryFolder folder;
-    ProgramRun run{{"-c", programs + "\n" + linesForAgents(beginning)}, folder.path()};
+    const StandIn standIn(folder.file("s"));
+    ProgramRun run{{"-c", "client() { '" + program("bin/fernlow") + "' --socket '" +
+                              folder.file("s") + "' \"$@\"; }\n" + R"(
+                              fernlow() { client "$@"; }
+                              mkdir -p 'a b/src'; ln -s 'a b' link; cd link
+                              echo '{' >src/app.scss
+                              fernlow --no-launch add >../reply
+                          )" + script},
+                   folder.path()};
     run.program = "/bin/bash";
-    return runProgram(run);
+    Outcome outcome = runProgram(run);
+    const auto home = std::filesystem::canonical(folder.path()).string();
+    outcome.standardOutput = replaced(outcome.standardOutput, home + "/a b", "SITE");
+    return outcome;
 }
 
-/// Errors are read from problems of every kind, and fernlow's status is kept.
+/// Each problem is told in one line that a terminal may have, whatever it lacks, and fernlow's
+/// status is kept.
 TEST(Pages, TellErrorsByTheLinesForAgents) {
     const auto expectErrors = [](const std::string& reply, const std::string& errors) {
-        EXPECT_EQ(runForAgents("  errors=", "fernlow() { echo '" + reply + "'; return 1; }"),
+        EXPECT_EQ(runAsAgent("fernlow() { echo '" + reply + "'; return 1; }\n" +
+                             linesForAgents("  errors=")),
                   (Outcome{errors, "", 1}))
             << reply;
     };
@@ -97,43 +112,67 @@ TEST(Pages, TellErrorsByTheLinesForAgents) {
         {"path":"/a","message":"None."},
         {"path":"/x","syntaxReports":[
             {"path":"/b","issues":[{"line":9,"column":1,"reason":"Nine."},
-                                   {"line":2,"column":3,"reason":"Two."}]},
+                                   {"line":2,"column":3,"reason":"Two."},
+                                   {"line":2,"column":1,"reason":"Before."}]},
             {"path":"/c","issues":[{"line":1,"column":1,"reason":"One."}]}]},
         {"path":"/d","message":"Empty.","syntaxReports":[]},
         {"path":"/e","message":"No issues.","syntaxReports":[{"path":"/e"}]},
-        {"severity":"warning","title":"Hook failed","message":"No path."}]}})",
-                 "/a: None.\n/b:2:3: Two.\n/b:9:1: Nine.\n/c:1:1: One.\n/d: Empty.\n"
-                 "/e: No issues.\nwarning: Hook failed: No path.\n");
+        {"severity":"warning","title":"Hook failed","message":"No path."},
+        {"path":"/g\u001b[2J","message":"Two\n/h:1:1: lines"}]}})",
+                 "/a: None.\n/b:2:1: Before.\n/b:2:3: Two.\n/b:9:1: Nine.\n/c:1:1: One.\n"
+                 "/d: Empty.\n/e: No issues.\nwarning: Hook failed: No path.\n"
+                 "/g [2J: Two /h:1:1: lines\n");
     expectErrors(R"({"result":{"entries":[{"path":"/f","message":"Logged."}]}})", "/f: Logged.\n");
     expectErrors(R"({"result":{"problems":[]}})", "");
     expectErrors(R"({"result":{}})", "");
 }
 
-/// A switch of branches is watched by nobody, even if it fails, and isn't begun where it would be
-/// or where somebody else has the project off.
+/// The same lines do for what agents are told to put in the place of "process".
+TEST(Pages, NoteTheCursorAndWaitForAgents) {
+    std::stringstream page;
+    page << std::ifstream(FERNLOW_ROOT "/docs/for-agents.md").rdbuf();
+    const std::string cursor = "fernlow --no-launch status | jq .result.logCursor";
+    const std::string process = "process --timeout 100 FILE...";
+    const std::string wait = "wait --since CURSOR --project . --timeout 100";
+    const std::string build = "build --clean --timeout 100";
+    for (const std::string& command : {cursor, wait, build}) {
+        EXPECT_NE(page.str().find("`" + command + "`"), std::string::npos) << command;
+    }
+    std::string script = "cursor=$(" + cursor + ")\n";
+    for (const std::string& command : {process, wait, build}) {
+        script += replaced(linesForAgents("  errors="), process, command) + "echo $?\n";
+    }
+    script = replaced(replaced(script, "FILE...", "src/app.scss"), "CURSOR", "$cursor");
+    const std::string told = "SITE/src/app.scss:1:1: This \"{\" is never closed.\n1\n";
+    EXPECT_EQ(runAsAgent(script), (Outcome{told + told + told, "", 0}));
+}
+
+/// A switch of branches is watched by nobody, whatever becomes of it, and isn't begun where it
+/// would be or where somebody else has the project off.
 TEST(Pages, SwitchBranchesByTheLineForAgents) {
-    const auto expectSteps =
-        [](const std::string& refused, const std::string& steps, int status) {
-            const std::string isOn = refused == "projects" ? "false" : "true";
-            EXPECT_EQ(runForAgents("  (", R"(
-            git() { echo git; return 1; }
-            fernlow() {
-                if [ $2 = projects ]; then
-                    echo "{\"result\":[{\"path\":\"/\",\"isEnabled\":true},"
-                    echo "{\"path\":\"$(pwd -P)\",\"isEnabled\":)" +
-                                              isOn + R"(}]}"
-                else
-                    echo $2
-                    [ $2 != ")" + refused + R"(" ] || return 5
-                fi
-            })"),
-                      (Outcome{steps, "", status}))
-                << refused;
-        };
-    expectSteps("nothing", "true\nwait\ndisable\ngit\nenable\n", 1);
-    expectSteps("projects", "false\n", 1);
-    expectSteps("wait", "true\nwait\n", 5);
-    expectSteps("disable", "true\nwait\ndisable\n", 5);
+    // What is told of each step is the projects' listing or the command's name.
+    const std::string steps = R"(
+        fernlow() {
+            [ "$2" != "$refused" ] || return 5
+            client "$@" >../reply
+            [ "$2" = projects ] && cat ../reply || echo "$2"
+        }
+        isOn() { client --no-launch projects | jq '.result[0].isEnabled'; }
+        git() { echo git; isOn; return 7; }
+    )";
+    const auto expectSteps = [&](const std::string& before, const std::string& shown, int status) {
+        EXPECT_EQ(runAsAgent(steps + before + "\n" + linesForAgents("  (fernlow") +
+                             "was=$?; isOn; exit $was\n"),
+                  (Outcome{shown, "", status}))
+            << before;
+    };
+    expectSteps("", "wait\ntrue\ndisable\ngit\nfalse\nenable\ntrue\n", 7);
+    expectSteps("git() { sh -c 'kill -INT $PPID; kill -INT $$'; }",
+                "wait\ntrue\ndisable\nenable\nenable\ntrue\n", 130);
+    expectSteps("refused=disable", "wait\ntrue\nenable\ntrue\n", 5);
+    expectSteps("refused=wait", "true\n", 5);
+    expectSteps("exec 2>../errors; refused=projects", "wait\ntrue\n", 5);
+    expectSteps("client --no-launch disable >../reply", "wait\nfalse\nfalse\n", 1);
 }
 
 TEST(Pages, ShowWhatIsPrinted) {

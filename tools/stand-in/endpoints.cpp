@@ -55,7 +55,6 @@ const std::vector<Member>& members() {
         {"projectPath", "text"},
         {"raiseVersionLimits", "boolean"},
         {"relativePath", "text"},
-        {"row", "text"},
         {"saveTo", "list", lists},
         {"settleMilliseconds", "integer"},
         {"since", "cursor"},

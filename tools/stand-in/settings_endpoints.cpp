@@ -8,10 +8,8 @@ namespace {
 
 /// Changes `settings` as the request asks, wholly or not at all; gives the values that were set.
 Json applyPatch(Json& settings, const Json& body) {
-    for (const char* member : {"group", "row", "fileExtension"}) {
-        if (body.contains(member)) {
-            throw Refusal("The stand-in has no settings by group, row or extension.");
-        }
+    if (body.contains("fileExtension")) {
+        throw Refusal("The stand-in has no settings by extension.");
     }
     const std::string language = body.value("language", "");
     Json applied = readPatch(body, {language, ""});
@@ -80,7 +78,7 @@ const Endpoints& settingsEndpoints() {
     static const Endpoints rows = {
         {"POST", "/v1/settings", "Every setting of a project.", "path", projectSettings},
         {"POST", "/v1/settings/set", "Change settings, wholly or not at all.",
-         "path language? fileExtension? group? row? values literals", setSettings},
+         "path language? fileExtension? values literals", setSettings},
         {"POST", "/v1/settings/schema", "Which settings there are.", "path language?", schema},
         {"POST", "/v1/settings/apply-output-paths", "Work out output paths afresh.",
          "path language fileExtension? timeoutSeconds", applyOutputPaths},
