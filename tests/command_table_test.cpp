@@ -14,12 +14,12 @@ namespace {
 
 /// A value that the option takes and that isn't its usual one, behind its word.
 std::string sample(const Option& option) {
-    static const std::map<ValueKind, std::string> values = {{ValueKind::none, ""},
+    static const std::map<ValueKind, std::string> values = {{ValueKind::flag, ""},
                                                             {ValueKind::wholeNumber, " 7"},
                                                             {ValueKind::decimal, " 7"},
                                                             {ValueKind::logCursor, " 7"},
                                                             {ValueKind::json, R"( {"k":7})"}};
-    const auto& [kind, name, usually, choices, range] = option.value;
+    const auto& [kind, name, defaultText, choices, range] = option.value;
     const auto found = values.find(kind);
     return " " + std::string(option.word) +
            (!choices.empty()        ? " " + std::string(choices.back())

@@ -16,7 +16,7 @@ namespace fernlow::test {
 
 namespace {
 
-completion::Surroundings surroundings() {
+completion::CompletionContext context() {
     return {CurrentDirectory("/p/src"),
             std::chrono::steady_clock::now() + std::chrono::milliseconds(250)};
 }
@@ -26,7 +26,7 @@ std::string completed(std::string line) {
     const bool isEmpty = line.empty() || line.back() == ' ';
     auto words = splitWords(line);
     words.resize(words.size() + (isEmpty ? 1 : 0));
-    const auto completions = complete(words, words.size() - 1, surroundings());
+    const auto completions = complete(words, words.size() - 1, context());
     std::string result = completions.files ? "+files" : completions.folders ? "+folders" : "";
     for (const auto& candidate : completions.candidates) {
         if (candidate.value.starts_with(words.back())) {
@@ -40,7 +40,7 @@ std::string completed(std::string line) {
 std::string bashCompleted(std::string_view before, std::string_view replaced,
                           std::string_view after = " --json; x --no-launch") {
     std::string result;
-    for (const auto& line : completeBashLine({before, after, replaced, "/usr"}, surroundings())) {
+    for (const auto& line : completeBashLine({before, after, replaced, "/usr"}, context())) {
         result += line + "|";
     }
     return result;

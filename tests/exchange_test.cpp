@@ -118,7 +118,7 @@ TEST(Exchange, WaitsAsLongAsTheRequestMayTakeAndThirtySeconds) {
         {R"([{"timeoutSeconds":10}])", 630},
     };
     for (const auto& [body, seconds] : cases) {
-        EXPECT_EQ(replyPatience(body), std::chrono::seconds(seconds)) << body;
+        EXPECT_EQ(replyTimeout(body), std::chrono::seconds(seconds)) << body;
     }
 }
 

@@ -42,8 +42,8 @@ public:
 
     /// A run that has this script start the application.
     [[nodiscard]] Outcome run(const std::string& socketPath,
-                              std::chrono::milliseconds patience = 20s) const {
-        return runLine("status --socket " + socketPath, {folder_.file("open"), 10ms, patience});
+                              std::chrono::milliseconds timeout = 20s) const {
+        return runLine("status --socket " + socketPath, {folder_.file("open"), 10ms, timeout});
     }
     [[nodiscard]] bool wasCalled() const { return std::filesystem::exists(folder_.file("calls")); }
     [[nodiscard]] std::string noted(const std::string& name) const {

@@ -40,17 +40,17 @@ std::map<std::string, std::string> partsOfThePage() {
 /// What a text has to say of a value, and no other numbers and choices.
 void expectFacts(const std::string& text, const ValueDescription& value) {
     SCOPED_TRACE(text);
-    const auto& [least, most, usual] = value.range;
+    const auto& [min, max, defaultValue] = value.range;
     const bool isNumber = value.kind == ValueKind::wholeNumber || value.kind == ValueKind::decimal;
     Words numbers;
-    for (const auto number : {least, most, usual.value_or(most)}) {
+    for (const auto number : {min, max, defaultValue.value_or(max)}) {
         numbers.insert(std::to_string(number));
     }
-    numbers.erase(std::to_string(NumberRange::lowest));
-    numbers.erase(std::to_string(NumberRange::highest));
+    numbers.erase(std::to_string(NumberRange::noMin));
+    numbers.erase(std::to_string(NumberRange::noMax));
     EXPECT_TRUE(!isNumber || matches(text, R"(\b(\d+)\b)") == numbers);
     EXPECT_EQ(matches(text, R"(\.Cm (\w+))"), Words(value.choices.begin(), value.choices.end()));
-    EXPECT_NE(text.find(value.usually), std::string::npos);
+    EXPECT_NE(text.find(value.defaultText), std::string::npos);
 }
 
 } // namespace

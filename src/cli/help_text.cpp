@@ -286,9 +286,9 @@ WORTH KNOWING
 
 std::string usageText() {
     std::string text(upToDefaultTimeout);
-    text += std::to_string(static_cast<int>(options::timeout.usual()));
+    text += std::to_string(static_cast<int>(options::timeout.defaultValue()));
     text += upToDefaultSettle;
-    text += std::to_string(options::settle.usual());
+    text += std::to_string(options::settle.defaultValue());
     text += afterDefaultSettle;
     return text;
 }

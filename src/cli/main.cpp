@@ -1,7 +1,7 @@
-#include "cli/output.h"
 #include "cli/run.h"
 #include "commands/paths.h"
 #include "platform/platform.h"
+#include "terminal/output.h"
 
 #include <unistd.h>
 

@@ -2,9 +2,9 @@
 
 #include "cli/help_text.h"
 #include "cli/invocation.h"
-#include "cli/output.h"
 #include "commands/action.h"
 #include "render/reply.h"
+#include "terminal/output.h"
 #include "transport/socket_client.h"
 
 #include <exception>
@@ -22,81 +22,81 @@ constexpr std::string_view version = FERNLOW_VERSION;
 /// JSON goes out as it is, whoever reads it.
 using Writer = bool (*)(int descriptor, std::string_view text);
 
-void writeStandardError(const RunSurroundings& surroundings, std::string_view text,
+void writeStandardError(const RunEnvironment& environment, std::string_view text,
                         Writer write = writeTextLine) {
     // There is nobody left to tell when this fails.
-    static_cast<void>(write(surroundings.standardError, text));
+    static_cast<void>(write(environment.standardError, text));
 }
 
-void report(const RunSurroundings& surroundings, const std::exception& error) {
+void report(const RunEnvironment& environment, const std::exception& error) {
     const bool isOutOfMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
     try {
-        writeStandardError(surroundings, isOutOfMemory ? outOfMemory : error.what());
+        writeStandardError(environment, isOutOfMemory ? outOfMemory : error.what());
     } catch (const std::bad_alloc&) {
-        writeStandardError(surroundings, outOfMemory);
+        writeStandardError(environment, outOfMemory);
     }
 }
 
 /// Writes the text and gives the status, which is never success when the text was lost.
-int finish(const RunSurroundings& surroundings, std::string_view text, int status,
+int finish(const RunEnvironment& environment, std::string_view text, int status,
            Writer write = writeTextLine) {
-    if (write(surroundings.standardOutput, text)) {
+    if (write(environment.standardOutput, text)) {
         return status;
     }
-    writeStandardError(surroundings, "Fernlow's answer could not be written to standard output.");
+    writeStandardError(environment, "Fernlow's answer could not be written to standard output.");
     return status == 0 ? 1 : status;
 }
 
 int performRequest(const AgentCLIInvocation& invocation, const AgentRequest& request,
-                   const RunSurroundings& surroundings) {
-    const AgentSocketClient client(surroundings.launch);
+                   const RunEnvironment& environment) {
+    const AgentSocketClient client(environment.launch);
     AgentReply reply = client.exchange(invocation.socketPath, invocation.launchIfNeeded, request);
     const ReplyOutput output =
         presentReply(reply.statusCode, std::move(reply.body), invocation.wantsJSON);
     const Writer write = invocation.wantsJSON ? writeLine : writeTextLine;
     if (output.toStandardError) {
-        writeStandardError(surroundings, output.text.view(), write);
+        writeStandardError(environment, output.text.view(), write);
         return output.exitStatus;
     }
-    return finish(surroundings, output.text.view(), output.exitStatus, write);
+    return finish(environment, output.text.view(), output.exitStatus, write);
 }
 
-int perform(const AgentCLIInvocation& invocation, const RunSurroundings& surroundings) {
+int perform(const AgentCLIInvocation& invocation, const RunEnvironment& environment) {
     struct {
         const AgentCLIInvocation& invocation;
-        const RunSurroundings& surroundings;
+        const RunEnvironment& environment;
 
         int operator()(const AgentCLIAction::help& /*help*/) const {
-            return finish(surroundings, usageText(), 0);
+            return finish(environment, usageText(), 0);
         }
         int operator()(const AgentCLIAction::version& /*version*/) const {
-            return finish(surroundings, version, 0);
+            return finish(environment, version, 0);
         }
         int operator()(const AgentCLIAction::get& get) const {
-            return performRequest(invocation, {"GET", get.path, {}}, surroundings);
+            return performRequest(invocation, {"GET", get.path, {}}, environment);
         }
         int operator()(const AgentCLIAction::post& post) const {
-            return performRequest(invocation, {"POST", post.path, post.body}, surroundings);
+            return performRequest(invocation, {"POST", post.path, post.body}, environment);
         }
-    } const performer{invocation, surroundings};
+    } const performer{invocation, environment};
     return std::visit(performer, invocation.action.kind);
 }
 
 } // namespace
 
 int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirectory& currentDirectory,
-                bool standardOutputIsTerminal, const RunSurroundings& surroundings) {
+                bool standardOutputIsTerminal, const RunEnvironment& environment) {
     AgentCLIInvocation invocation;
     try {
         invocation = parseInvocation(arguments, currentDirectory, standardOutputIsTerminal);
     } catch (const std::exception& error) {
-        report(surroundings, error);
+        report(environment, error);
         return badArguments;
     }
     try {
-        return perform(invocation, surroundings);
+        return perform(invocation, environment);
     } catch (const std::exception& error) {
-        report(surroundings, error);
+        report(environment, error);
         return notReached;
     }
 }

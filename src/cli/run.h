@@ -17,7 +17,7 @@ inline constexpr int badArguments = 2;
 inline constexpr int notReached = 3;
 
 /// What a run uses of the world around it; the defaults are the real ones.
-struct RunSurroundings {
+struct RunEnvironment {
     int standardOutput = STDOUT_FILENO;
     int standardError = STDERR_FILENO;
     LaunchSettings launch{};
@@ -31,6 +31,6 @@ struct RunSurroundings {
 /// arguments; 3 the application could not be reached or answered badly; 4 the wait expired;
 /// 5 refused.
 int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirectory& currentDirectory,
-                bool standardOutputIsTerminal, const RunSurroundings& surroundings = {});
+                bool standardOutputIsTerminal, const RunEnvironment& environment = {});
 
 } // namespace fernlow

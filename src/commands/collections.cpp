@@ -13,7 +13,7 @@ namespace fernlow {
 
 enum class AgentBuildStepType { processItems, processRemainingItems, runScript };
 template <>
-inline constexpr auto wireWords<AgentBuildStepType> =
+inline constexpr auto wireNames<AgentBuildStepType> =
     std::to_array<std::string_view>({"processItems", "processRemainingItems", "runScript"});
 
 namespace {
@@ -83,7 +83,7 @@ AgentCLIAction parseCollectionRemove(CommandLine& line) {
 }
 
 constexpr WholeNumber position{
-    "--position", "n", {.least = 0}, "Where to put it, counting from zero"};
+    "--position", "n", {.min = 0}, "Where to put it, counting from zero"};
 
 struct AgentCollectionReorderRequest {
     std::string path;

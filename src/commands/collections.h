@@ -14,7 +14,7 @@ namespace fernlow {
 
 enum class AgentCollectionKind { hooks, buildSteps, webpPresets, userLanguages };
 template <>
-inline constexpr auto wireWords<AgentCollectionKind> =
+inline constexpr auto wireNames<AgentCollectionKind> =
     std::to_array<std::string_view>({"hooks", "buildSteps", "webpPresets", "userLanguages"});
 
 namespace options {

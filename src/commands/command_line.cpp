@@ -35,7 +35,7 @@ CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory&
 }
 
 void CommandLine::takeSubcommand() {
-    const bool mayBePaths = !command_->operands.empty() && readsAsPaths(left());
+    const bool mayBePaths = !command_->operands.empty() && readsAsPaths(remaining());
     if (hasSubcommands(*command_) && !mayBePaths) {
         if (const auto word = takeFirstWord()) {
             // An empty word would name the command alone.
@@ -53,7 +53,7 @@ void CommandLine::take(std::span<const Option* const> options) {
         if (find(*option) != nullptr) {
             continue;
         }
-        if (option->value.kind != ValueKind::none) {
+        if (option->value.kind != ValueKind::flag) {
             if (auto text = takeOptionValue(option->word)) {
                 taken_.push_back({option, *std::move(text)});
             }
@@ -63,9 +63,9 @@ void CommandLine::take(std::span<const Option* const> options) {
     }
 }
 
-void CommandLine::rejectUnreadableValues() const {
+void CommandLine::validateValues() const {
     for (const auto& [option, text] : taken_) {
-        option->rejectUnreadable(text);
+        option->validate(text);
     }
 }
 
@@ -106,12 +106,12 @@ std::optional<std::string> CommandLine::value(const Path& option) const {
 
 std::int64_t CommandLine::value(const WholeNumber& option) const {
     const std::string* const text = listed(option);
-    return text == nullptr ? option.usual() : option.read(*text);
+    return text == nullptr ? option.defaultValue() : option.read(*text);
 }
 
 double CommandLine::value(const Decimal& option) const {
     const std::string* const text = listed(option);
-    return text == nullptr ? option.usual() : option.read(*text);
+    return text == nullptr ? option.defaultValue() : option.read(*text);
 }
 
 std::string CommandLine::pathOrCurrentDirectory(const Path& option) const {
@@ -156,8 +156,8 @@ const Option* CommandLine::unfinishedOption() const {
     }
     const auto unfinished =
         std::find_if(options.begin(), options.end(), [this](const Option* option) {
-            return option->value.kind != ValueKind::none && find(*option) == nullptr &&
-                   !left().empty() && left().back() == option->word;
+            return option->value.kind != ValueKind::flag && find(*option) == nullptr &&
+                   !remaining().empty() && remaining().back() == option->word;
         });
     return unfinished == options.end() ? nullptr : *unfinished;
 }
@@ -166,9 +166,9 @@ AgentCLIAction parseCommand(std::vector<std::string> words,
                             const CurrentDirectory& currentDirectory) {
     CommandLine line(std::move(words), currentDirectory);
     // Before the subcommand is looked at, and again for what it takes itself.
-    line.rejectUnreadableValues();
+    line.validateValues();
     line.takeSubcommand();
-    line.rejectUnreadableValues();
+    line.validateValues();
     return line.command().parse(line);
 }
 

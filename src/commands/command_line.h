@@ -33,7 +33,7 @@ public:
     void takeSubcommand();
 
     /// Reports the first of the options taken so far that nobody could read: see Option.
-    void rejectUnreadableValues() const;
+    void validateValues() const;
 
     /// What the line is for; before takeSubcommand() the command alone.
     [[nodiscard]] const Command& command() const { return *command_; }
@@ -52,7 +52,7 @@ public:
     }
     [[nodiscard]] std::optional<std::string> value(const Path& option) const;
 
-    /// The same for a number that has one it usually is.
+    /// The same for a number that has one it defaultText is.
     [[nodiscard]] std::int64_t value(const WholeNumber& option) const;
     [[nodiscard]] double value(const Decimal& option) const;
 
@@ -70,9 +70,9 @@ public:
     std::string takeRequiredWord();
 
     /// The case that such a word names; else throws `unknownCommand` of the command and the word.
-    template <Worded Enumeration>
+    template <WireEnum Enumeration>
     [[nodiscard]] Enumeration subcommandNamed(const std::string& word) const {
-        const auto named = fromWireWord<Enumeration>(word);
+        const auto named = fromWireName<Enumeration>(word);
         return named ? *named : throw unknownSubcommand(word);
     }
 

@@ -2,7 +2,7 @@
 
 #include "commands/action.h"
 #include "commands/setting_values.h"
-#include "commands/wire_words.h"
+#include "commands/wire_names.h"
 #include "json/writer.h"
 
 #include <algorithm>
@@ -79,9 +79,9 @@ private:
     void value(std::string_view name, double value) { json::appendDecimal(out_, value, name); }
     void value(std::string_view /*name*/, std::string_view value) { json::appendText(out_, value); }
 
-    template <Worded Enumeration>
+    template <WireEnum Enumeration>
     void value(std::string_view /*name*/, Enumeration value) {
-        json::appendText(out_, wireWord(value));
+        json::appendText(out_, wireName(value));
     }
     void value(std::string_view name, const AgentSettingValue& setting) {
         std::visit([&](const auto& kind) { this->payload(name, kind); }, setting.kind);

@@ -19,7 +19,7 @@ namespace fernlow {
 /// What becomes of a file.
 enum class AgentOutputAction { compile, ignore, copy };
 template <>
-inline constexpr auto wireWords<AgentOutputAction> =
+inline constexpr auto wireNames<AgentOutputAction> =
     std::to_array<std::string_view>({"compile", "ignore", "copy"});
 
 namespace {
@@ -34,7 +34,7 @@ constexpr Choice<AgentOutputAction> onlyAction{"--action", "Only files with this
 constexpr Flag folders{"--folders", "Include folders"};
 constexpr Flag shadowItems{"--shadow-items", "Include files imported from outside the project"};
 constexpr WholeNumber offset{
-    "--offset", "n", {.least = 0, .usual = 0}, "Pass over this many rows first"};
+    "--offset", "n", {.min = 0, .defaultValue = 0}, "Pass over this many rows first"};
 
 struct AgentFileListRequest {
     std::string path;
@@ -138,14 +138,16 @@ AgentCLIAction parseFileSchema(CommandLine& line) {
 
 constexpr Operand someFolders{{ValueKind::folder, "folder"}, true, true};
 // Unlike the other timeouts this one travels as typed, whatever its size.
-constexpr Decimal unboundedTimeout{
-    timeout.word, timeout.value.name, {.usual = timeout.value.range.usual}, timeout.summary};
+constexpr Decimal unboundedTimeout{timeout.word,
+                                   timeout.value.name,
+                                   {.defaultValue = timeout.value.range.defaultValue},
+                                   timeout.summary};
 
 struct AgentSkipFoldersRequest {
     std::vector<std::string> paths;
     bool skipped = false;
     bool wait = true;
-    double timeoutSeconds = timeout.usual();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(paths, skipped, wait, timeoutSeconds)
 };
 

@@ -27,7 +27,7 @@ void GlobalOptions::take(std::vector<std::string>& words) {
                          [&](const Option* option) { return option->word == *word; });
         if (global == globals.end()) {
             others.push_back(std::move(*word));
-        } else if ((*global)->value.kind == ValueKind::none) {
+        } else if ((*global)->value.kind == ValueKind::flag) {
             taken_.push_back({*global, ""});
         } else if (std::next(word) == words.end()) {
             lackSocketPath_ = true;

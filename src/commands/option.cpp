@@ -79,18 +79,18 @@ std::vector<std::size_t> choicesIn(const Option& option, const std::string& text
 }
 
 std::int64_t WholeNumber::read(const std::string& text) const {
-    return std::clamp(readWholeNumber(*this, text), value.range.least, value.range.most);
+    return std::clamp(readWholeNumber(*this, text), value.range.min, value.range.max);
 }
 
 double Decimal::read(const std::string& text) const {
     double number = readDecimal(*this, text);
-    const auto& [least, most, usual] = value.range;
+    const auto& [min, max, defaultValue] = value.range;
     // Negated, so that "nan" is taken for too little.
-    if (least != NumberRange::lowest && !(number >= static_cast<double>(least))) {
-        number = static_cast<double>(least);
+    if (min != NumberRange::noMin && !(number >= static_cast<double>(min))) {
+        number = static_cast<double>(min);
     }
-    if (most != NumberRange::highest) {
-        number = std::min(number, static_cast<double>(most));
+    if (max != NumberRange::noMax) {
+        number = std::min(number, static_cast<double>(max));
     }
     return number;
 }
@@ -99,7 +99,7 @@ std::uint64_t Cursor::read(const std::string& text) const {
     return readCursor(*this, text);
 }
 
-void Option::rejectUnreadable(const std::string& text) const {
+void Option::validate(const std::string& text) const {
     switch (value.kind) {
     case ValueKind::wholeNumber:
         readWholeNumber(*this, text);

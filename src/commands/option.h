@@ -1,6 +1,6 @@
 #pragma once
 
-#include "commands/wire_words.h"
+#include "commands/wire_names.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace fernlow {
 /// What the value of an option, or a word that is no option, stands for.
 enum class ValueKind {
     /// A flag: no value follows.
-    none,
+    flag,
     wholeNumber,
     decimal,
     /// Only the person who types it can know it.
@@ -51,21 +51,21 @@ enum class ValueKind {
 
 /// What a number is brought into; one without a bound on a side is sent as typed there.
 struct NumberRange {
-    static constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
-    static constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
+    static constexpr std::int64_t noMin = std::numeric_limits<std::int64_t>::min();
+    static constexpr std::int64_t noMax = std::numeric_limits<std::int64_t>::max();
 
-    std::int64_t least = lowest;
-    std::int64_t most = highest;
+    std::int64_t min = noMin;
+    std::int64_t max = noMax;
     /// Used when the option isn't given.
-    std::optional<std::int64_t> usual{};
+    std::optional<std::int64_t> defaultValue{};
 };
 
 struct ValueDescription {
-    ValueKind kind = ValueKind::none;
+    ValueKind kind = ValueKind::flag;
     /// What stands for it in a synopsis, without angle brackets; the unit of a number that has one.
     std::string_view name{};
     /// What holds when it isn't given, in a few words; a number has that in its range.
-    std::string_view usually{};
+    std::string_view defaultText{};
     std::span<const std::string_view> choices{};
     NumberRange range{};
 };
@@ -83,7 +83,7 @@ struct Option {
     /// Throws `notANumber` when no command can make anything of the text: a number that is none, a
     /// list with a piece that is no choice. What is one of several choices, or JSON, only its
     /// parser looks at.
-    void rejectUnreadable(const std::string& text) const;
+    void validate(const std::string& text) const;
 };
 
 // NOLINTEND(readability-redundant-member-init)
@@ -121,7 +121,9 @@ struct WholeNumber : Option {
         : Option{name, {ValueKind::wholeNumber, unit, {}, {}, range}, meaning, {}} {}
     [[nodiscard]] std::int64_t read(const std::string& text) const;
     /// What holds when it isn't given; 0 for one that has no such number.
-    [[nodiscard]] constexpr std::int64_t usual() const { return value.range.usual.value_or(0); }
+    [[nodiscard]] constexpr std::int64_t defaultValue() const {
+        return value.range.defaultValue.value_or(0);
+    }
 };
 
 /// A decimal number, "inf" and "nan" included, brought into its range: beyond the range of a double
@@ -133,16 +135,17 @@ struct Decimal : Option {
         : Option{name, {ValueKind::decimal, unit, {}, {}, range}, meaning, {}} {}
     [[nodiscard]] double read(const std::string& text) const;
     /// What holds when it isn't given; 0 for one that has no such number.
-    [[nodiscard]] constexpr double usual() const {
-        return static_cast<double>(value.range.usual.value_or(0));
+    [[nodiscard]] constexpr double defaultValue() const {
+        return static_cast<double>(value.range.defaultValue.value_or(0));
     }
 };
 
 /// A place in the log: a whole number that is not negative.
 struct Cursor : Option {
     using Value = std::uint64_t;
-    constexpr Cursor(std::string_view name, std::string_view meaning, std::string_view usually = {})
-        : Option{name, {ValueKind::logCursor, "cursor", usually}, meaning, {}} {}
+    constexpr Cursor(std::string_view name, std::string_view meaning,
+                     std::string_view defaultText = {})
+        : Option{name, {ValueKind::logCursor, "cursor", defaultText}, meaning, {}} {}
     [[nodiscard]] std::uint64_t read(const std::string& text) const;
 };
 
@@ -154,29 +157,31 @@ std::vector<std::size_t> choicesIn(const Option& option, const std::string& text
 /// The place of the one that the whole text names, matched exactly; else throws `notANumber`.
 std::size_t choiceIn(const Option& option, const std::string& text);
 
-template <Worded Enumeration>
-constexpr ValueDescription choiceOf(std::string_view name, std::string_view usually = {}) {
-    return {ValueKind::choice, name, usually, wireWords<Enumeration>};
+template <WireEnum Enumeration>
+constexpr ValueDescription choiceOf(std::string_view name, std::string_view defaultText = {}) {
+    return {ValueKind::choice, name, defaultText, wireNames<Enumeration>};
 }
 
 /// One case of an enumeration.
-template <Worded Enumeration>
+template <WireEnum Enumeration>
 struct Choice : Option {
     using Value = Enumeration;
-    constexpr Choice(std::string_view name, std::string_view meaning, std::string_view usually = {})
-        : Option{name, choiceOf<Enumeration>("name", usually), meaning, {}} {}
+    constexpr Choice(std::string_view name, std::string_view meaning,
+                     std::string_view defaultText = {})
+        : Option{name, choiceOf<Enumeration>("name", defaultText), meaning, {}} {}
     [[nodiscard]] Enumeration read(const std::string& text) const {
         return static_cast<Enumeration>(choiceIn(*this, text));
     }
 };
 
 /// Any cases of an enumeration, in the order in which they are named.
-template <Worded Enumeration>
+template <WireEnum Enumeration>
 struct ChoiceList : Option {
     using Value = std::vector<Enumeration>;
-    constexpr ChoiceList(std::string_view name, std::string_view meaning, std::string_view usually)
+    constexpr ChoiceList(std::string_view name, std::string_view meaning,
+                         std::string_view defaultText)
         : Option{name,
-                 {ValueKind::choiceList, "lists", usually, wireWords<Enumeration>},
+                 {ValueKind::choiceList, "lists", defaultText, wireNames<Enumeration>},
                  meaning,
                  {}} {}
     [[nodiscard]] Value read(const std::string& text) const {

@@ -17,13 +17,13 @@ inline constexpr Flag noLaunch{"--no-launch", "Do not start Fernlow if it is not
 
 inline constexpr Flag noWait{"--no-wait", "Return as soon as the work is submitted"};
 inline constexpr Decimal timeout{
-    "--timeout", "seconds", {.least = 0, .most = 86400, .usual = 600}, "How long to wait"};
+    "--timeout", "seconds", {.min = 0, .max = 86400, .defaultValue = 600}, "How long to wait"};
 inline constexpr WholeNumber settle{"--settle",
                                     "milliseconds",
-                                    {.least = 0, .most = 60000, .usual = 400},
+                                    {.min = 0, .max = 60000, .defaultValue = 400},
                                     "Pause before deciding that nothing is happening"};
 inline constexpr WholeNumber limit{
-    "--limit", "n", {.least = 1, .most = 5000, .usual = 500}, "At most this many rows"};
+    "--limit", "n", {.min = 1, .max = 5000, .defaultValue = 500}, "At most this many rows"};
 
 inline constexpr Text ofLanguage{
     "--language", {ValueKind::language, "name", "project-wide"}, "Which language's settings"};

@@ -14,19 +14,19 @@ namespace fernlow {
 
 enum class AgentPackageAction { install, forceInstall, uninstall, update, prune };
 template <>
-inline constexpr auto wireWords<AgentPackageAction> =
+inline constexpr auto wireNames<AgentPackageAction> =
     std::to_array<std::string_view>({"install", "forceInstall", "uninstall", "update", "prune"});
 
 /// The lists of a package.json that hold dependencies.
 enum class AgentDependencyList { production, development, optional, bundle };
 template <>
-inline constexpr auto wireWords<AgentDependencyList> =
+inline constexpr auto wireNames<AgentDependencyList> =
     std::to_array<std::string_view>({"production", "development", "optional", "bundle"});
 
 /// Which of the preview server's addresses to open.
 enum class AgentPreviewAddress { preferred, bonjour, lan, loopback, localhost };
 template <>
-inline constexpr auto wireWords<AgentPreviewAddress> =
+inline constexpr auto wireNames<AgentPreviewAddress> =
     std::to_array<std::string_view>({"preferred", "bonjour", "lan", "loopback", "localhost"});
 
 namespace {
@@ -56,7 +56,7 @@ struct AgentPackageRequest {
     std::optional<bool> updatePackageLock;
     bool raiseVersionLimits = false;
     bool wait = true;
-    double timeoutSeconds = timeout.usual();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(path, action, packages, install, saveTo, exactVersions, updatePackageLock,
                         raiseVersionLimits, wait, timeoutSeconds)
 };
@@ -91,7 +91,7 @@ struct AgentPreviewRequest {
 
 constexpr Choice<AgentPreviewAddress> address{"--address",
                                               "Which of the preview server's addresses",
-                                              wireWord(AgentPreviewRequest().address)};
+                                              wireName(AgentPreviewRequest().address)};
 constexpr Text browser{"--browser",
                        {ValueKind::text, "bundleID", "Fernlow's choice"},
                        "Which browser, such as com.apple.Safari"};

@@ -14,7 +14,7 @@ namespace fernlow {
 /// What "watch" does to the watching.
 enum class WatchChange { pause, resume };
 template <>
-inline constexpr auto wireWords<WatchChange> = std::to_array<std::string_view>({"pause", "resume"});
+inline constexpr auto wireNames<WatchChange> = std::to_array<std::string_view>({"pause", "resume"});
 
 namespace {
 
@@ -27,7 +27,7 @@ constexpr Flag framework{"--framework", "Add it as a framework"};
 struct AgentAddProjectRequest {
     std::string path;
     bool asFramework = false;
-    double timeoutSeconds = timeout.usual();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(path, asFramework, timeoutSeconds)
 };
 

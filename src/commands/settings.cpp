@@ -61,7 +61,7 @@ struct AgentApplyOutputPathsRequest {
     std::string path;
     std::string language;
     std::optional<std::string> fileExtension;
-    double timeoutSeconds = timeout.usual();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(path, language, fileExtension, timeoutSeconds)
 };
 

@@ -18,7 +18,7 @@ class WordList {
 public:
     explicit WordList(std::vector<std::string> words) : words_(std::move(words)) {}
 
-    [[nodiscard]] const std::vector<std::string>& left() const { return words_; }
+    [[nodiscard]] const std::vector<std::string>& remaining() const { return words_; }
 
     /// The next word, whatever it looks like.
     std::optional<std::string> takeNextWord();

@@ -20,13 +20,13 @@ enum class AgentProcessMode {
     exactly,
 };
 template <>
-inline constexpr auto wireWords<AgentProcessMode> =
+inline constexpr auto wireNames<AgentProcessMode> =
     std::to_array<std::string_view>({"asIfSaved", "exactly"});
 
 /// In ascending order: as a minimum, a case stands for itself and every later one.
 enum class AgentLogSeverity { success, warning, error };
 template <>
-inline constexpr auto wireWords<AgentLogSeverity> =
+inline constexpr auto wireNames<AgentLogSeverity> =
     std::to_array<std::string_view>({"success", "warning", "error"});
 
 namespace {
@@ -40,8 +40,8 @@ struct AgentProcessRequest {
     std::vector<std::string> paths;
     AgentProcessMode mode = AgentProcessMode::asIfSaved;
     bool wait = true;
-    std::int64_t settleMilliseconds = settle.usual();
-    double timeoutSeconds = timeout.usual();
+    std::int64_t settleMilliseconds = settle.defaultValue();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(paths, mode, wait, settleMilliseconds, timeoutSeconds)
 };
 
@@ -62,8 +62,8 @@ constexpr Cursor since{"--since", "Only what happened after this log cursor"};
 struct AgentWaitRequest {
     std::optional<std::string> projectPath;
     std::optional<std::uint64_t> since;
-    std::int64_t settleMilliseconds = settle.usual();
-    double timeoutSeconds = timeout.usual();
+    std::int64_t settleMilliseconds = settle.defaultValue();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(projectPath, since, settleMilliseconds, timeoutSeconds)
 };
 
@@ -109,7 +109,7 @@ struct AgentBuildRequest {
     /// Absent leaves the project's own setting in force.
     std::optional<bool> clean;
     bool wait = true;
-    double timeoutSeconds = timeout.usual();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(path, clean, wait, timeoutSeconds)
 };
 
@@ -130,8 +130,8 @@ struct AgentRefreshRequest {
     /// Absent means every project.
     std::optional<std::string> path;
     bool wait = true;
-    std::int64_t settleMilliseconds = settle.usual();
-    double timeoutSeconds = timeout.usual();
+    std::int64_t settleMilliseconds = settle.defaultValue();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(path, wait, settleMilliseconds, timeoutSeconds)
 };
 
@@ -152,8 +152,8 @@ AgentCLIAction parseRefresh(CommandLine& line) {
 struct AgentOptimizeRequest {
     std::vector<std::string> paths;
     bool wait = true;
-    std::int64_t settleMilliseconds = settle.usual();
-    double timeoutSeconds = timeout.usual();
+    std::int64_t settleMilliseconds = settle.defaultValue();
+    double timeoutSeconds = timeout.defaultValue();
     FERNLOW_WIRE_FIELDS(paths, wait, settleMilliseconds, timeoutSeconds)
 };
 

@@ -10,7 +10,7 @@ namespace fernlow::completion {
 namespace {
 
 /// More than a list to choose from ever is, and parsed in a few hundredths of a second.
-constexpr std::size_t longestReply = std::size_t{4} * 1024 * 1024;
+constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
 
 } // namespace
 
@@ -18,7 +18,7 @@ bool Application::exchange(const AgentRequest& request) {
     try {
         const Connection connection(socketPath_, deadline_);
         connection.send(requestBytes(request));
-        body_ = parseReply(connection.receive(longestReply)).body;
+        body_ = parseReply(connection.receive(maxReplySize)).body;
         return true;
     } catch (const AgentSocketClientError&) {
         return false;

@@ -230,7 +230,7 @@ BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCurs
 }
 
 std::vector<std::string> completeBashLine(const BashRequest& request,
-                                          const Surroundings& surroundings) {
+                                          const CompletionContext& context) {
     const BashLine line = splitBashLine(request.beforeCursor, request.afterCursor);
     const std::string& word = line.words[line.index];
     // Of what bash expands itself, only the home folder in front of a path is known.
@@ -242,8 +242,7 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
     }
     Completions completions{{}, line.isRedirection, false};
     if (!line.isRedirection) {
-        completions =
-            complete({line.words.begin() + 1, line.words.end()}, line.index - 1, surroundings);
+        completions = complete({line.words.begin() + 1, line.words.end()}, line.index - 1, context);
     }
     auto& candidates = completions.candidates;
     if (isBelowHome) {
@@ -256,7 +255,7 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
     if (candidates.empty() && (completions.files || completions.folders)) {
         const std::string home(isBelowHome ? request.home : "");
         const std::string path = home + word.substr(isBelowHome ? 1 : 0);
-        candidates = namesOnDisk(path, completions.files, surroundings.deadline);
+        candidates = namesOnDisk(path, completions.files, context.deadline);
         for (Candidate& candidate : candidates) {
             candidate.value.replace(0, home.size(), isBelowHome ? "~" : "");
         }

@@ -41,6 +41,6 @@ struct BashRequest {
 /// the space behind a whole one. Nothing for a word that bash has yet to expand: of its own
 /// completions it quotes none then.
 std::vector<std::string> completeBashLine(const BashRequest& request,
-                                          const Surroundings& surroundings);
+                                          const CompletionContext& context);
 
 } // namespace fernlow::completion

@@ -1,11 +1,11 @@
 #include "completion/completion.h"
 
 #include "bytes/utf8.h"
-#include "cli/terminal.h"
 #include "commands/command_table.h"
 #include "commands/usage_error.h"
 #include "completion/known_values.h"
 #include "json/writer.h"
+#include "terminal/visible_controls.h"
 #include "transport/socket_location.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace fernlow::completion {
 
 namespace {
 
-constexpr std::size_t longestText = 4096;
+constexpr std::size_t maxTextLength = 4096;
 
 bool isSetting(ValueKind kind) {
     return kind == ValueKind::setting || kind == ValueKind::defaultSetting ||
@@ -24,8 +24,8 @@ bool isSetting(ValueKind kind) {
 
 class Completer {
 public:
-    Completer(const TypedLine& line, bool mayAsk, const Surroundings& surroundings)
-        : line_(line), mayAsk_(mayAsk), surroundings_(surroundings) {}
+    Completer(const TypedLine& line, bool mayAsk, const CompletionContext& context)
+        : line_(line), mayAsk_(mayAsk), context_(context) {}
 
     Completions complete() {
         const bool isOption = line_.current().starts_with('-');
@@ -139,13 +139,13 @@ private:
         }
         const Operand* const first = *operands.begin();
         const Operand* const last = *(operands.end() - 1);
-        std::size_t position = line_.before()->left().size();
+        std::size_t position = line_.before()->remaining().size();
         if (isSetting(last->value.kind)) {
             // Settings may stand in front of the file too: a word with "=" is one.
             if (line_.current().find('=') != std::string::npos) {
                 return last;
             }
-            const auto& words = line_.whole()->left();
+            const auto& words = line_.whole()->remaining();
             position = static_cast<std::size_t>(
                 std::count_if(words.begin(), words.end(), [](const std::string& word) {
                     return word.find('=') == std::string::npos;
@@ -198,8 +198,7 @@ private:
             return defaultSocketPath();
         }
         // The shell will expand it when the line is run, but hasn't yet.
-        return socket->starts_with('~') ? resolvePath(*socket, surroundings_.currentDirectory)
-                                        : *socket;
+        return socket->starts_with('~') ? resolvePath(*socket, context_.currentDirectory) : *socket;
     }
 
     /// Whether the command would take the word for what it is: not for an option.
@@ -214,14 +213,13 @@ private:
 
     void addKnownValues(ValueKind kind) {
         try {
-            Application application(socketPath(), surroundings_.deadline);
-            const auto known =
-                knownValues(kind, line_, surroundings_.currentDirectory, application);
+            Application application(socketPath(), context_.deadline);
+            const auto known = knownValues(kind, line_, context_.currentDirectory, application);
             // Those that begin like what is typed come first, lest the others leave them no room.
             for (const bool fits : {true, false}) {
                 for (const auto& [value, description] : known) {
                     if (value.starts_with(line_.current()) == fits && mayBeGiven(value) &&
-                        completions_.candidates.size() < mostCandidates && isHarmless(value)) {
+                        completions_.candidates.size() < maxCandidates && isHarmless(value)) {
                         add(value, isHarmless(description) ? description : "");
                         // The same folder twice would leave the word open, and a project is meant.
                         completions_.folders = completions_.folders && !fits;
@@ -239,7 +237,7 @@ private:
 
     const TypedLine& line_;
     bool mayAsk_;
-    const Surroundings& surroundings_;
+    const CompletionContext& context_;
     Completions completions_;
 };
 
@@ -253,7 +251,7 @@ bool isHarmless(const std::string& text) {
     const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
         return static_cast<unsigned char>(character) < ' ';
     });
-    return text.size() <= longestText && !hasControl && utf8::isWellFormed(text) &&
+    return text.size() <= maxTextLength && !hasControl && utf8::isWellFormed(text) &&
            !withVisibleControls(text);
 }
 
@@ -265,12 +263,12 @@ std::string_view shellsOwn(const Completions& completions) {
 }
 
 Completions complete(const std::vector<std::string>& words, std::size_t index,
-                     const Surroundings& surroundings) {
+                     const CompletionContext& context) {
     try {
-        const TypedLine line(words, index, surroundings.currentDirectory);
+        const TypedLine line(words, index, context.currentDirectory);
         // An answer about another project, or from another socket, would be a wrong one.
         const bool mayAsk = std::all_of(words.begin(), words.end(), isKnown);
-        return Completer(line, mayAsk, surroundings).complete();
+        return Completer(line, mayAsk, context).complete();
     } catch (const AgentCLIUsageError&) {
         return {};
     }

@@ -40,10 +40,10 @@ bool isKnown(const std::string& word);
 bool isHarmless(const std::string& text);
 
 /// More than anybody looks through; shells become slow with many.
-constexpr std::size_t mostCandidates = 2000;
+constexpr std::size_t maxCandidates = 2000;
 
 /// What completing uses of the world around it.
-struct Surroundings {
+struct CompletionContext {
     CurrentDirectory currentDirectory;
     /// The application is not waited for any longer.
     std::chrono::steady_clock::time_point deadline;
@@ -55,6 +55,6 @@ struct Surroundings {
 /// running and each of the words isKnown(), and never starts it. A line that is wrong already gives
 /// nothing. May throw std::bad_alloc alone.
 Completions complete(const std::vector<std::string>& words, std::size_t index,
-                     const Surroundings& surroundings);
+                     const CompletionContext& context);
 
 } // namespace fernlow::completion

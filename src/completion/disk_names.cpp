@@ -36,7 +36,7 @@ std::vector<Candidate> namesOnDisk(const std::string& typed, bool files,
     const std::string beginning = typed.substr(folder.size());
     const std::unique_ptr<DIR, Closer> open(::opendir(folder.empty() ? "." : folder.c_str()));
     std::vector<Candidate> names;
-    while (open && names.size() < mostCandidates) {
+    while (open && names.size() < maxCandidates) {
         const dirent* const entry = ::readdir(open.get());
         if (entry == nullptr) {
             break;

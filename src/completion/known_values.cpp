@@ -28,7 +28,7 @@ std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDire
     const auto& operands = line.before()->command().operands;
     const bool takesProject =
         !operands.empty() && (*operands.begin())->value.kind == ValueKind::project;
-    const auto& words = line.whole()->left();
+    const auto& words = line.whole()->remaining();
     return takesProject && !words.empty() ? resolvePath(words.front(), currentDirectory)
                                           : currentDirectory.path();
 }
@@ -121,7 +121,7 @@ Candidates rows(std::string_view member, const std::optional<AgentCollectionKind
 
 std::optional<AgentCollectionKind> kindOf(const TypedLine& line) {
     const auto kind = given(line, options::kind);
-    return kind ? fromWireWord<AgentCollectionKind>(*kind) : std::nullopt;
+    return kind ? fromWireName<AgentCollectionKind>(*kind) : std::nullopt;
 }
 
 std::optional<json::Value> settingsSchema(ValueKind kind, const TypedLine& line,
@@ -139,7 +139,7 @@ std::optional<json::Value> settingsSchema(ValueKind kind, const TypedLine& line,
         const auto isFile = [](const std::string& word) {
             return word.find('=') == std::string::npos;
         };
-        const auto& words = line.whole()->left();
+        const auto& words = line.whole()->remaining();
         const auto file = std::find_if(words.begin(), words.end(), isFile);
         return file == words.end()
                    ? std::nullopt
@@ -159,13 +159,13 @@ std::string scalarText(const json::Value& value) {
 
 std::string describeSetting(const json::Object& row) {
     std::string description(row.text("valueType"));
-    const auto least = row.find("minimum");
-    const auto most = row.find("maximum");
-    if (least && most) {
-        description += " from " + scalarText(*least) + " to " + scalarText(*most);
+    const auto minimum = row.find("minimum");
+    const auto maximum = row.find("maximum");
+    if (minimum && maximum) {
+        description += " from " + scalarText(*minimum) + " to " + scalarText(*maximum);
     }
-    const auto usual = row.find("default");
-    const std::string text = usual ? scalarText(*usual) : "";
+    const auto defaultValue = row.find("default");
+    const std::string text = defaultValue ? scalarText(*defaultValue) : "";
     return text.empty() ? description : description + ", " + text + " by default";
 }
 
@@ -199,7 +199,7 @@ Candidates settings(ValueKind kind, const TypedLine& line, const CurrentDirector
                     Application& application) {
     const auto key = [](const std::string& word) { return word.substr(0, word.find('=')); };
     const bool hasKey = line.current().find('=') != std::string::npos;
-    const auto& words = line.whole()->left();
+    const auto& words = line.whole()->remaining();
     Candidates candidates;
     for (const json::Object row :
          rowsOf(settingsSchema(kind, line, currentDirectory, application))) {

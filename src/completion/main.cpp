@@ -8,10 +8,10 @@
 // Each line is a candidate, followed by a tab and its description where the shell shows one. But
 // for bash a line in front of them names the shell's own completions that are wanted too.
 #include "bytes/number.h"
-#include "cli/output.h"
 #include "completion/bash_line.h"
 #include "completion/completion.h"
 #include "platform/platform.h"
+#include "terminal/output.h"
 
 #include <unistd.h>
 
@@ -26,7 +26,7 @@ using namespace fernlow::completion;
 constexpr std::chrono::milliseconds patience(350);
 
 std::string completeWords(const std::vector<std::string>& arguments,
-                          const Surroundings& surroundings) {
+                          const CompletionContext& context) {
     const auto index = number::readInteger(arguments.at(1)).value_or(0);
     std::vector<std::string> words(arguments.begin() + 2, arguments.end());
     for (std::string& word : words) {
@@ -35,7 +35,7 @@ std::string completeWords(const std::vector<std::string>& arguments,
             word += unknownText;
         }
     }
-    const auto completions = complete(words, static_cast<std::size_t>(index), surroundings);
+    const auto completions = complete(words, static_cast<std::size_t>(index), context);
     std::string text(shellsOwn(completions));
     const bool isFish = arguments.front() == "fish";
     for (const Candidate& candidate : completions.candidates) {
@@ -49,10 +49,10 @@ std::string completeWords(const std::vector<std::string>& arguments,
 }
 
 std::string completeBash(const std::vector<std::string>& arguments,
-                         const Surroundings& surroundings) {
+                         const CompletionContext& context) {
     std::string text;
     for (const std::string& line : completeBashLine(
-             {arguments.at(1), arguments.at(2), arguments.at(3), arguments.at(4)}, surroundings)) {
+             {arguments.at(1), arguments.at(2), arguments.at(3), arguments.at(4)}, context)) {
         text += text.empty() ? line : "\n" + line;
     }
     return text;
@@ -67,11 +67,10 @@ int main(int argc, char** argv) {
     std::set_terminate([] { ::_exit(0); });
     try {
         const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-        const Surroundings surroundings{CurrentDirectory::ofProcess(), deadline};
+        const CompletionContext context{CurrentDirectory::ofProcess(), deadline};
         const bool isBash = !arguments.empty() && arguments.front() == "bash";
-        static_cast<void>(writeLine(STDOUT_FILENO, isBash
-                                                       ? completeBash(arguments, surroundings)
-                                                       : completeWords(arguments, surroundings)));
+        static_cast<void>(writeLine(STDOUT_FILENO, isBash ? completeBash(arguments, context)
+                                                          : completeWords(arguments, context)));
     } catch (const std::exception&) {
         // Too few arguments, or too little memory: no candidates.
         return 0;

@@ -49,7 +49,7 @@ TypedLine::TypedLine(std::vector<std::string> words, std::size_t index,
 }
 
 bool TypedLine::mayBeSubcommand() const {
-    return before_ && before_->command().subcommand.empty() && before_->left().empty() &&
+    return before_ && before_->command().subcommand.empty() && before_->remaining().empty() &&
            hasSubcommands(before_->command());
 }
 

@@ -25,33 +25,34 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 /// The same on every system, though the address would hold four bytes more on Linux.
-constexpr int longestSocketPath = 103;
-static_assert(sizeof(sockaddr_un::sun_path) > longestSocketPath);
+constexpr int maxSocketPath = 103;
+static_assert(sizeof(sockaddr_un::sun_path) > maxSocketPath);
 
 constexpr std::size_t readSize = 16384;
 
 /// When what is waited for from now on is given up.
-Clock::time_point endOfWait(const Patience& patience) {
-    const auto* const each = std::get_if<std::chrono::seconds>(&patience);
-    return each != nullptr ? Clock::now() + *each : std::get<Clock::time_point>(patience);
+Clock::time_point deadlineOf(const Timeout& timeout) {
+    const auto* const each = std::get_if<std::chrono::seconds>(&timeout);
+    return each != nullptr ? Clock::now() + *each : std::get<Clock::time_point>(timeout);
 }
 
 /// Nothing once that moment has passed.
-Clock::duration left(Clock::time_point end) {
-    return std::max(end - Clock::now(), Clock::duration::zero());
+Clock::duration remaining(Clock::time_point deadline) {
+    return std::max(deadline - Clock::now(), Clock::duration::zero());
 }
 
 /// Waits until the socket can be read or written without blocking. Gives false when time ran out.
-bool awaitReady(int socket, short event, Clock::time_point end) {
+bool awaitReady(int socket, short event, Clock::time_point deadline) {
     constexpr auto longest = milliseconds(std::numeric_limits<int>::max());
     pollfd waiting{socket, event, 0};
     int count = 0;
     // After an interruption it looks once more even where no time is left: what it waits for may
     // have come while the process was stopped.
     do {
-        const auto timeout = std::min(ceil<milliseconds>(left(end)), longest);
+        const auto timeout = std::min(ceil<milliseconds>(remaining(deadline)), longest);
         count = ::poll(&waiting, 1, static_cast<int>(timeout.count()));
-    } while (count < 0 ? errno == EINTR : count == 0 && left(end) != Clock::duration::zero());
+    } while (count < 0 ? errno == EINTR
+                       : count == 0 && remaining(deadline) != Clock::duration::zero());
     return count > 0;
 }
 
@@ -69,16 +70,17 @@ int openSocket() {
 }
 
 /// Whether somebody listens and takes the connection in time.
-bool connectBefore(Clock::time_point end, int socket, const sockaddr_un& address) {
+bool connectBefore(Clock::time_point deadline, int socket, const sockaddr_un& address) {
     // Linux waits here while the listener's queue is full. No poll can do that (a socket that
     // doesn't block is just refused), so this one wait is left to the system, and asked for again
     // when it was interrupted, which undoes it.
     do {
         // None at all would mean to wait for ever.
-        const auto patience = std::max(ceil<microseconds>(left(end)), microseconds(1)).count();
+        const auto limit =
+            std::max(ceil<microseconds>(remaining(deadline)), microseconds(1)).count();
         timeval timeout{};
-        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(patience / 1'000'000);
-        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(patience % 1'000'000);
+        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(limit / 1'000'000);
+        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(limit % 1'000'000);
         ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
         // The whole structure's length is passed, not the path's: the zero bytes behind the path
         // end it. The length byte that it begins with on macOS is not looked at there.
@@ -89,10 +91,10 @@ bool connectBefore(Clock::time_point end, int socket, const sockaddr_un& address
     return false;
 }
 
-SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_point end) {
-    if (socketPath.size() > longestSocketPath) {
+SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_point deadline) {
+    if (socketPath.size() > maxSocketPath) {
         throw AgentSocketClientError(
-            AgentSocketClientError::pathTooLong{socketPath, longestSocketPath});
+            AgentSocketClientError::pathTooLong{socketPath, maxSocketPath});
     }
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -104,7 +106,7 @@ SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_poin
         throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
     platform::prepareSocket(socket.get());
-    if (!connectBefore(end, socket.get(), address)) {
+    if (!connectBefore(deadline, socket.get(), address)) {
         throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
     // From here on nothing waits but poll.
@@ -120,18 +122,18 @@ SocketDescriptor::~SocketDescriptor() {
     }
 }
 
-Connection::Connection(const std::string& socketPath, Patience patience)
-    : patience_(patience), socket_(connectedSocket(socketPath, endOfWait(patience))) {}
+Connection::Connection(const std::string& socketPath, Timeout timeout)
+    : timeout_(timeout), socket_(connectedSocket(socketPath, deadlineOf(timeout))) {}
 
 template <class Transfer>
-ssize_t Connection::carry(short event, Transfer transfer) const {
-    const auto end = endOfWait(patience_);
+ssize_t Connection::retryUntilReady(short event, Transfer transfer) const {
+    const auto deadline = deadlineOf(timeout_);
     // Before the transfer, or a peer that never pauses would be listened to beyond the end.
-    if (left(end) == Clock::duration::zero()) {
+    if (remaining(deadline) == Clock::duration::zero()) {
         return -1;
     }
     ssize_t count = transfer();
-    while (count < 0 && errno == EAGAIN && awaitReady(socket_.get(), event, end)) {
+    while (count < 0 && errno == EAGAIN && awaitReady(socket_.get(), event, deadline)) {
         count = transfer();
     }
     return count;
@@ -139,7 +141,7 @@ ssize_t Connection::carry(short event, Transfer transfer) const {
 
 void Connection::send(std::string_view bytes) const {
     while (!bytes.empty()) {
-        const ssize_t count = carry(POLLOUT, [&] {
+        const ssize_t count = retryUntilReady(POLLOUT, [&] {
             return platform::sendWithoutSignal(socket_.get(), bytes.data(), bytes.size());
         });
         if (count <= 0) {
@@ -153,7 +155,8 @@ ByteBuffer Connection::receive(std::size_t longest) const {
     ByteBuffer bytes;
     for (;;) {
         char* const room = bytes.room(readSize);
-        const ssize_t count = carry(POLLIN, [&] { return ::read(socket_.get(), room, readSize); });
+        const ssize_t count =
+            retryUntilReady(POLLIN, [&] { return ::read(socket_.get(), room, readSize); });
         if (count < 0) {
             throw AgentSocketClientError(AgentSocketClientError::readFailed{});
         }

@@ -15,7 +15,7 @@ namespace fernlow {
 
 /// How long the other side is waited for: so long each time something is waited for, or until a
 /// moment for everything together.
-using Patience = std::variant<std::chrono::seconds, std::chrono::steady_clock::time_point>;
+using Timeout = std::variant<std::chrono::seconds, std::chrono::steady_clock::time_point>;
 
 /// An open socket, closed when it goes.
 class SocketDescriptor {
@@ -35,13 +35,13 @@ private:
 };
 
 /// A connection to whoever listens on a Unix-domain socket. Connecting, each write and each read is
-/// waited for with patience. Being stopped and continued meanwhile (Ctrl-Z and `fg`) interrupts
+/// waited for with timeout. Being stopped and continued meanwhile (Ctrl-Z and `fg`) interrupts
 /// none of them: the clock goes on, but what has come when the process is continued is taken.
 class Connection {
 public:
     /// The path is UTF-8 and used as it is. Throws AgentSocketClientError `pathTooLong` or
     /// `notRunning`.
-    Connection(const std::string& socketPath, Patience patience);
+    Connection(const std::string& socketPath, Timeout timeout);
 
     /// Writes all of the bytes. Throws AgentSocketClientError `writeFailed`.
     void send(std::string_view bytes) const;
@@ -52,9 +52,9 @@ public:
 
 private:
     template <class Transfer>
-    [[nodiscard]] ssize_t carry(short event, Transfer transfer) const;
+    [[nodiscard]] ssize_t retryUntilReady(short event, Transfer transfer) const;
 
-    Patience patience_;
+    Timeout timeout_;
     SocketDescriptor socket_;
 };
 

@@ -57,7 +57,7 @@ AgentReply parseReply(ByteBuffer bytes) {
     return {*statusCode, std::move(bytes)};
 }
 
-std::chrono::seconds replyPatience(std::string_view body) {
+std::chrono::seconds replyTimeout(std::string_view body) {
     // Thirty years: no machine waits longer, and clocks count in units that overflow.
     constexpr double longest = 1e9;
     const auto document = json::Document::parse(body, {&timeoutKey, 1});

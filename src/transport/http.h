@@ -31,6 +31,6 @@ AgentReply parseReply(ByteBuffer bytes);
 
 /// How long the application is waited for after a request with this body: its "timeoutSeconds", or
 /// 600 where it has none, and 30 more for the answer to arrive, but 5 at least.
-std::chrono::seconds replyPatience(std::string_view body);
+std::chrono::seconds replyTimeout(std::string_view body);
 
 } // namespace fernlow

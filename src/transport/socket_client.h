@@ -14,7 +14,7 @@ struct LaunchSettings {
     std::string program = "/usr/bin/open";
     std::chrono::milliseconds pollInterval{200};
     /// How long to wait for the application to listen, once the program has ended.
-    std::chrono::milliseconds patience{25000};
+    std::chrono::milliseconds timeout{25000};
 };
 
 /// Carries one request to the application and brings one reply back, over its Unix-domain socket.
@@ -23,7 +23,7 @@ public:
     explicit AgentSocketClient(LaunchSettings launch) : launch_(std::move(launch)) {}
 
     /// Sends the request and reads until the application closes the connection, each write and each
-    /// read no longer than the request's replyPatience(). When nobody listens and `launchIfNeeded`,
+    /// read no longer than the request's replyTimeout(). When nobody listens and `launchIfNeeded`,
     /// starts the application and tries once more. Throws AgentSocketClientError.
     [[nodiscard]] AgentReply exchange(const std::string& socketPath, bool launchIfNeeded,
                                       const AgentRequest& request) const;

@@ -1,6 +1,6 @@
-#include "cli/output.h"
+#include "terminal/output.h"
 
-#include "cli/terminal.h"
+#include "terminal/visible_controls.h"
 
 #include <poll.h>
 #include <sys/uio.h>

@@ -1,4 +1,4 @@
-#include "cli/terminal.h"
+#include "terminal/visible_controls.h"
 
 #include "bytes/utf8.h"
 
