@@ -167,7 +167,8 @@ Members Object::sortedMembers() const {
     const auto key = [&](std::uint32_t place) { return tape.slice(tape.nodes[place]); };
     // Not a stable sort: it takes memory.
     std::sort(places.begin(), places.end(), [&](std::uint32_t one, std::uint32_t other) {
-        const auto order = key(one) <=> key(other);
+        // Not <=>, which libc++ 14 does not have for texts.
+        const int order = key(one).compare(key(other));
         return order < 0 || (order == 0 && one < other);
     });
     const auto isSame = [&](std::uint32_t one, std::uint32_t other) {
