@@ -73,7 +73,7 @@ TEST(ManualPage, AgreesWithTheDescription) {
             const std::string word(option->word), value(option->value.name);
             const bool isRequired =
                 std::count(row->required.begin(), row->required.end(), option) > 0;
-            synopsis += isRequired ? " .Fl " : option->opposite.empty() ? " .Op Fl " : " | Fl ";
+            synopsis += isRequired ? " .Fl " : option->opposite == nullptr ? " .Op Fl " : " | Fl ";
             synopsis += word.substr(1) + (value.empty() ? "" : " Ar ") + value;
             const bool isOwn = parts.contains(command + " " + word);
             const std::string part = (isOwn ? command : "rest") + " " + word;

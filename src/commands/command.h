@@ -5,7 +5,7 @@
 
 #include <array>
 #include <cstddef>
-#include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,27 +27,14 @@ struct Operand {
     const Option* option = nullptr;
 };
 
-/// A list with room for `capacity` elements, so that tables of tables can be written in place.
-template <class Element, std::size_t capacity>
-class ShortList {
-public:
-    constexpr ShortList() = default;
-    constexpr ShortList(std::initializer_list<Element> elements) {
-        for (const Element& element : elements) {
-            elements_.at(size_++) = element;
-        }
-    }
-    [[nodiscard]] constexpr const Element* begin() const { return elements_.data(); }
-    [[nodiscard]] constexpr const Element* end() const { return elements_.data() + size_; }
-    [[nodiscard]] constexpr std::size_t size() const { return size_; }
-    [[nodiscard]] constexpr bool empty() const { return size_ == 0; }
+/// The array that a row's list of options refers to: `.options = optionList<noWait, timeout>`. Rows
+/// with equal lists share one array.
+template <const auto&... options>
+inline constexpr std::array<const Option*, sizeof...(options)> optionList{&options...};
 
-private:
-    std::array<Element, capacity> elements_{};
-    std::size_t size_ = 0;
-};
-
-using OptionList = ShortList<const Option*, 11>;
+/// The same for operands.
+template <const auto&... operands>
+inline constexpr std::array<const Operand*, sizeof...(operands)> operandList{&operands...};
 
 /// One command, or one subcommand: all that is to be known of it.
 struct Command {
@@ -55,17 +42,17 @@ struct Command {
     /// Empty for the command alone.
     std::string_view subcommand{};
     std::string_view summary;
-    ShortList<const Operand*, 2> operands{};
+    std::span<const Operand* const> operands{};
     /// What it takes, in the order in which it is taken: what it can't do without first. That order
     /// decides which of two mistakes is reported, and who gets a word that could be an option or
     /// another one's value.
-    ShortList<const Option*, 3> required{};
-    OptionList options{};
+    std::span<const Option* const> required{};
+    std::span<const Option* const> options{};
     /// Of a command with subcommands: the options that may stand in front of them, taken first. A
     /// subcommand that doesn't list one drops it.
-    const OptionList* shared = nullptr;
+    std::span<const Option* const> beforeSubcommand{};
     /// Other words for the command.
-    ShortList<std::string_view, 2> aliases{};
+    std::span<const std::string_view> aliases{};
     /// Whether words that it has no use for, options included, are passed over in silence.
     bool ignoresOtherWords = false;
     /// Makes a request of the line. Throws AgentCLIUsageError, json::EncodingError or

@@ -29,9 +29,7 @@ CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory&
     if (command_ == nullptr) {
         throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{*word});
     }
-    if (command_->shared != nullptr) {
-        take(*command_->shared);
-    }
+    take(command_->beforeSubcommand);
 }
 
 void CommandLine::takeSubcommand() {
@@ -151,9 +149,8 @@ std::string CommandLine::takePathOrCurrentDirectory() {
 
 const Option* CommandLine::unfinishedOption() const {
     auto options = command_->allOptions();
-    if (command_->shared != nullptr) {
-        options.insert(options.end(), command_->shared->begin(), command_->shared->end());
-    }
+    options.insert(options.end(), command_->beforeSubcommand.begin(),
+                   command_->beforeSubcommand.end());
     const auto unfinished =
         std::find_if(options.begin(), options.end(), [this](const Option* option) {
             return option->value.kind != ValueKind::flag && find(*option) == nullptr &&

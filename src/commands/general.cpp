@@ -33,6 +33,9 @@ AgentCLIAction parseVersion(CommandLine& /*line*/) {
     return {AgentCLIAction::version{}};
 }
 
+constexpr auto helpAliases = std::to_array<std::string_view>({"--help", "-h"});
+constexpr auto versionAliases = std::to_array<std::string_view>({"--version", "-v"});
+
 constexpr auto commands = std::to_array<Command>({
     {.word = "status",
      .summary = "What Fernlow is doing, and the current log cursor",
@@ -41,12 +44,12 @@ constexpr auto commands = std::to_array<Command>({
     {.word = "schema", .summary = "The whole API, with notes", .parse = parseSchema},
     {.word = "help",
      .summary = "The whole manual",
-     .aliases = {"--help", "-h"},
+     .aliases = helpAliases,
      .ignoresOtherWords = true,
      .parse = parseHelp},
     {.word = "version",
      .summary = "The version of this program",
-     .aliases = {"--version", "-v"},
+     .aliases = versionAliases,
      .ignoresOtherWords = true,
      .parse = parseVersion},
 });

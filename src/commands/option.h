@@ -77,8 +77,8 @@ struct Option {
     ValueDescription value{};
     /// One line without a full stop, as are all summaries here.
     std::string_view summary;
-    /// The word of the option that it says the contrary of. That one needn't tell.
-    std::string_view opposite{};
+    /// The option that contradicts this one. Only one option of a pair names the other.
+    const Option* opposite = nullptr;
 
     /// Throws `notANumber` when no command can make anything of the text: a number that is none, a
     /// list with a piece that is no choice. What is one of several choices, or JSON, only its
@@ -95,7 +95,8 @@ struct TakenOption {
 };
 
 struct Flag : Option {
-    constexpr Flag(std::string_view name, std::string_view meaning, std::string_view contrary = {})
+    constexpr Flag(std::string_view name, std::string_view meaning,
+                   const Option* contrary = nullptr)
         : Option{name, {}, meaning, contrary} {}
 };
 

@@ -39,10 +39,9 @@ constexpr ChoiceList<AgentDependencyList> install{"--install", "Which lists to i
 constexpr ChoiceList<AgentDependencyList> saveTo{
     "--save-to", "Which lists to record in; empty for none", projectsChoice};
 constexpr Flag exact{"--exact", "Record the exact version"};
-constexpr Flag noExact{"--no-exact", "Record a range of versions", exact.word};
+constexpr Flag noExact{"--no-exact", "Record a range of versions", &exact};
 constexpr Flag packageLock{"--package-lock", "Write package-lock.json"};
-constexpr Flag noPackageLock{"--no-package-lock", "Do not write package-lock.json",
-                             packageLock.word};
+constexpr Flag noPackageLock{"--no-package-lock", "Do not write package-lock.json", &packageLock};
 constexpr Flag raiseLimits{"--raise-limits", "With update: allow a breaking version"};
 
 /// Whatever is absent, the application takes from the project's own npm settings.
@@ -112,13 +111,13 @@ constexpr Operand packageNames{{ValueKind::text, "pkg"}, false, true};
 constexpr auto commands = std::to_array<Command>({
     {.word = "packages",
      .summary = "Run one npm operation in a project",
-     .operands = {&action, &packageNames},
-     .options = {&install, &saveTo, &exact, &noExact, &packageLock, &noPackageLock, &raiseLimits,
-                 &noWait, &timeout, &inProject},
+     .operands = operandList<action, packageNames>,
+     .options = optionList<install, saveTo, exact, noExact, packageLock, noPackageLock, raiseLimits,
+                           noWait, timeout, inProject>,
      .parse = parsePackages},
     {.word = "preview",
      .summary = "Open the preview address in a browser",
-     .options = {&address, &browser, &page},
+     .options = optionList<address, browser, page>,
      .parse = parsePreview},
 });
 

@@ -101,51 +101,48 @@ AgentCLIAction parseDefaultsSchema(CommandLine& line) {
     return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{line.value(ofLanguage)});
 }
 
-constexpr OptionList settingsOptions{&ofLanguage, &ofExtension, &values};
-constexpr OptionList defaultsOptions{&ofLanguage, &values};
-
 constexpr std::string_view settings = "settings";
 constexpr std::string_view defaults = "defaults";
 constexpr auto commands = std::to_array<Command>({
     {.word = settings,
      .summary = "Every setting a project holds",
-     .operands = {&anyProject},
-     .shared = &settingsOptions,
+     .operands = operandList<anyProject>,
+     .beforeSubcommand = optionList<ofLanguage, ofExtension, values>,
      .parse = parseSettings},
     {.word = settings,
      .subcommand = "set",
      .summary = "Change settings, wholly or not at all",
-     .operands = {&projectChanges},
-     .options = {&ofLanguage, &ofExtension, &inProject, &values},
+     .operands = operandList<projectChanges>,
+     .options = optionList<ofLanguage, ofExtension, inProject, values>,
      .parse = parseSettingsSet},
     {.word = settings,
      .subcommand = "schema",
      .summary = "What settings exist, and what changing each one does",
-     .operands = {&anyProject},
-     .options = {&ofLanguage},
+     .operands = operandList<anyProject>,
+     .options = optionList<ofLanguage>,
      .parse = parseSettingsSchema},
     {.word = settings,
      .subcommand = "apply-output-paths",
      .summary = "Recalculate the output paths of existing files",
-     .operands = {&anyProject},
-     .required = {&theLanguage},
-     .options = {&ofExtension},
+     .operands = operandList<anyProject>,
+     .required = optionList<theLanguage>,
+     .options = optionList<ofExtension>,
      .parse = parseApplyOutputPaths},
 
     {.word = defaults,
      .summary = "The settings a project added later will start with",
-     .shared = &defaultsOptions,
+     .beforeSubcommand = optionList<ofLanguage, values>,
      .parse = parseDefaults},
     {.word = defaults,
      .subcommand = "set",
      .summary = "Change the defaults, wholly or not at all",
-     .operands = {&defaultChanges},
-     .options = {&ofLanguage, &values},
+     .operands = operandList<defaultChanges>,
+     .options = optionList<ofLanguage, values>,
      .parse = parseDefaultsSet},
     {.word = defaults,
      .subcommand = "schema",
      .summary = "Which of those settings exist",
-     .options = {&ofLanguage},
+     .options = optionList<ofLanguage>,
      .parse = parseDefaultsSchema},
 });
 

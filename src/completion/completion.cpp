@@ -72,7 +72,7 @@ private:
         return line_.whole()->find(option) != nullptr ||
                std::any_of(options.begin(), options.end(), [&](const Option* other) {
                    return line_.whole()->find(*other) != nullptr &&
-                          (other->opposite == option.word || option.opposite == other->word);
+                          (other->opposite == &option || option.opposite == other);
                });
     }
 
@@ -94,7 +94,7 @@ private:
         addOptions(GlobalOptions::all());
         for (const Command* const command : allCommands()) {
             if (!command->aliases.empty()) {
-                add(*command->aliases.begin(), command->summary);
+                add(command->aliases.front(), command->summary);
             }
         }
     }
@@ -102,8 +102,8 @@ private:
     void addOptions() {
         addOptions(command().required);
         addOptions(command().options);
-        if (line_.mayBeSubcommand() && command().shared != nullptr) {
-            addOptions(*command().shared);
+        if (line_.mayBeSubcommand()) {
+            addOptions(command().beforeSubcommand);
         }
         addOptions(GlobalOptions::all());
     }
@@ -137,8 +137,8 @@ private:
         if (operands.empty()) {
             return nullptr;
         }
-        const Operand* const first = *operands.begin();
-        const Operand* const last = *(operands.end() - 1);
+        const Operand* const first = operands.front();
+        const Operand* const last = operands.back();
         std::size_t position = line_.before()->remaining().size();
         if (isSetting(last->value.kind)) {
             // Settings may stand in front of the file too: a word with "=" is one.
@@ -155,7 +155,7 @@ private:
             ++position;
         }
         if (position < operands.size()) {
-            return operands.begin()[position];
+            return operands[position];
         }
         return last->repeats ? last : nullptr;
     }

@@ -27,7 +27,7 @@ std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDire
     }
     const auto& operands = line.before()->command().operands;
     const bool takesProject =
-        !operands.empty() && (*operands.begin())->value.kind == ValueKind::project;
+        !operands.empty() && operands.front()->value.kind == ValueKind::project;
     const auto& words = line.whole()->remaining();
     return takesProject && !words.empty() ? resolvePath(words.front(), currentDirectory)
                                           : currentDirectory.path();
