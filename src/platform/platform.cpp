@@ -22,7 +22,7 @@
 #include <cstdlib>
 #endif
 
-// musl, which gives itself no name.
+// musl defines no macro that identifies it.
 #if defined(__linux__) && !defined(__GLIBC__)
 #define FERNLOW_WITH_MUSL
 #include <link.h>
@@ -33,7 +33,7 @@
 #include <cstring>
 #endif
 
-// POSIX leaves declaring it to the program.
+// POSIX requires the program to declare it.
 extern char**
     environ; // NOLINT(readability-redundant-declaration): glibc declares it, macOS doesn't
 
@@ -49,73 +49,105 @@ std::optional<std::string> homeFolderIn(const passwd* entry) {
 }
 
 #ifndef __APPLE__
-/// Sees to it that no started program inherits a descriptor but the standard streams.
-void closeDescriptorsAtExec() {
+/// Marks every descriptor except the standard streams as close-on-exec. Returns false if one of
+/// them may have been missed.
+bool markDescriptorsCloseOnExec() {
 #ifdef SYS_close_range
-    // Not every C library has a function for it, nor each one's headers a name for marking only.
-    constexpr unsigned closeAtExec = 1U << 2U;
-    if (::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, closeAtExec) == 0) {
-        return;
+    // Some C libraries have no function for this system call, or no constant for its flag.
+    constexpr unsigned closeOnExec = 1U << 2U;
+    if (::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, closeOnExec) == 0) {
+        return true;
     }
 #endif
-    // Linux before 5.11, or a container that forbids it.
-    if (DIR* const open = ::opendir("/proc/self/fd")) {
-        while (const dirent* const entry = ::readdir(open)) {
-            const int descriptor = std::atoi(entry->d_name);
-            if (descriptor > STDERR_FILENO) {
-                ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
-            }
-        }
-        ::closedir(open);
+    // Linux before 5.11, or a container that forbids the call.
+    DIR* const folder = ::opendir("/proc/self/fd");
+    if (folder == nullptr) {
+        return false;
     }
+    bool allMarked = true;
+    errno = 0;
+    for (const dirent* entry = ::readdir(folder); entry != nullptr; entry = ::readdir(folder)) {
+        const int descriptor = std::atoi(entry->d_name);
+        if (descriptor > STDERR_FILENO && ::fcntl(descriptor, F_SETFD, FD_CLOEXEC) != 0) {
+            allMarked = false;
+        }
+    }
+    // Only errno distinguishes a failed readdir from the end of the folder.
+    allMarked = allMarked && errno == 0;
+    ::closedir(folder);
+    return allMarked;
 }
 #endif
 
-/// What a started program gets instead of our descriptors, and of what is done about signals here.
-class CleanStart {
+/// The file actions and attributes for a program that inherits no descriptor and no signal setting
+/// of this process.
+class SpawnAttributes {
 public:
-    CleanStart() {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawnattr_init(&attributes_);
-        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes_, &signals);
-        sigfillset(&signals);
-        // Their defaults can't be changed, and some systems refuse to be asked for it.
-        sigdelset(&signals, SIGKILL);
-        sigdelset(&signals, SIGSTOP);
-        posix_spawnattr_setsigdefault(&attributes_, &signals);
-#ifdef __APPLE__
-        // macOS closes every descriptor that no file action names.
-        constexpr int flags =
-            POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_CLOEXEC_DEFAULT;
-#else
-        constexpr int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-        closeDescriptorsAtExec();
-        // What goes by the name of macOS's program here may look for its words in this folder,
-        // which may be anybody's.
-        posix_spawn_file_actions_addchdir_np(&actions_, "/");
-#endif
-        posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
-    }
-    CleanStart(const CleanStart&) = delete;
-    CleanStart& operator=(const CleanStart&) = delete;
-    CleanStart(CleanStart&&) = delete;
-    CleanStart& operator=(CleanStart&&) = delete;
-    ~CleanStart() {
-        posix_spawnattr_destroy(&attributes_);
-        posix_spawn_file_actions_destroy(&actions_);
+    SpawnAttributes()
+        : hasActions_(::posix_spawn_file_actions_init(&actions_) == 0),
+          hasAttributes_(::posix_spawnattr_init(&attributes_) == 0) {}
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+    SpawnAttributes(SpawnAttributes&&) = delete;
+    SpawnAttributes& operator=(SpawnAttributes&&) = delete;
+    ~SpawnAttributes() {
+        if (hasAttributes_) {
+            ::posix_spawnattr_destroy(&attributes_);
+        }
+        if (hasActions_) {
+            ::posix_spawn_file_actions_destroy(&actions_);
+        }
     }
 
+    /// Returns false if the system refuses a step. A program started with an incomplete set could
+    /// inherit a descriptor, so none may be started then.
+    [[nodiscard]] bool prepare() {
+        return hasActions_ && hasAttributes_ && addFileActions() && setAttributes();
+    }
     [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &actions_; }
     [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
 
 private:
+    bool addOpen(int descriptor, int flags) {
+        return ::posix_spawn_file_actions_addopen(&actions_, descriptor, "/dev/null", flags, 0) ==
+               0;
+    }
+
+    bool addFileActions() {
+        const bool opened = addOpen(STDIN_FILENO, O_RDONLY) && addOpen(STDOUT_FILENO, O_WRONLY) &&
+                            addOpen(STDERR_FILENO, O_WRONLY);
+#ifdef __APPLE__
+        return opened;
+#else
+        // On Linux another program may have the name of macOS's program, and it may look for its
+        // arguments in the current folder, whose files are untrusted.
+        return opened && ::posix_spawn_file_actions_addchdir_np(&actions_, "/") == 0 &&
+               markDescriptorsCloseOnExec();
+#endif
+    }
+
+    bool setAttributes() {
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        sigset_t reset;
+        sigfillset(&reset);
+        // The actions of these two cannot be changed, and some systems refuse the request.
+        sigdelset(&reset, SIGKILL);
+        sigdelset(&reset, SIGSTOP);
+        unsigned flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+#ifdef __APPLE__
+        // macOS then closes every descriptor that no file action names.
+        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+#endif
+        return ::posix_spawnattr_setsigmask(&attributes_, &blocked) == 0 &&
+               ::posix_spawnattr_setsigdefault(&attributes_, &reset) == 0 &&
+               ::posix_spawnattr_setflags(&attributes_, static_cast<short>(flags)) == 0;
+    }
+
     posix_spawn_file_actions_t actions_{};
     posix_spawnattr_t attributes_{};
+    bool hasActions_;
+    bool hasAttributes_;
 };
 
 } // namespace
@@ -124,32 +156,39 @@ private:
 
 namespace {
 
-/// musl's own look-ups ask nscd about whom the file doesn't know, wait for it without limit, and
-/// believe what it says of its answer's length. They also take an entry that is commented out.
-template <class Condition>
-std::optional<std::string> homeFolderWhere(Condition holds) {
+/// Returns the home folder of the first user in /etc/passwd for whom `matches` is true.
+///
+/// It replaces musl's own look-ups, which ask nscd about a user who is not in the file, wait for
+/// it without a limit, and trust the length that it claims for its answer. They also accept an
+/// entry that is commented out.
+template <class Predicate>
+std::optional<std::string> findHomeFolder(Predicate matches) {
     std::FILE* const users = std::fopen("/etc/passwd", "re");
     if (users == nullptr) {
         return std::nullopt;
     }
-    const passwd* entry = nullptr;
-    do {
-        entry = ::fgetpwent(users);
-    } while (entry != nullptr &&
-             (std::strchr("#+-", *entry->pw_name) != nullptr || !holds(*entry)));
-    auto home = homeFolderIn(entry);
+    std::optional<std::string> home;
+    for (const passwd* entry = ::fgetpwent(users); entry != nullptr; entry = ::fgetpwent(users)) {
+        // "#" begins a comment, "+" and "-" a reference to a directory service. A name may also be
+        // empty, which strchr finds as well.
+        const bool namesNobody = std::strchr("#+-", *entry->pw_name) != nullptr;
+        if (!namesNobody && matches(*entry)) {
+            home = homeFolderIn(entry);
+            break;
+        }
+    }
     std::fclose(users);
     return home;
 }
 
-/// For dl_iterate_phdr, which begins with the program itself.
+/// A callback for dl_iterate_phdr, which calls it for the program first. It stops the iteration.
 int protectRelocationsOf(dl_phdr_info* program, std::size_t /*size*/, void* /*context*/) {
     const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
     for (int index = 0; index < program->dlpi_phnum; ++index) {
-        const auto& part = program->dlpi_phdr[index];
-        if (part.p_type == PT_GNU_RELRO) {
-            const auto begin = (program->dlpi_addr + part.p_vaddr) & -page;
-            const auto end = (program->dlpi_addr + part.p_vaddr + part.p_memsz) & -page;
+        const auto& segment = program->dlpi_phdr[index];
+        if (segment.p_type == PT_GNU_RELRO) {
+            const auto begin = (program->dlpi_addr + segment.p_vaddr) & -page;
+            const auto end = (program->dlpi_addr + segment.p_vaddr + segment.p_memsz) & -page;
             ::mprotect(reinterpret_cast<void*>(begin), end - begin, PROT_READ);
         }
     }
@@ -159,12 +198,12 @@ int protectRelocationsOf(dl_phdr_info* program, std::size_t /*size*/, void* /*co
 } // namespace
 
 std::optional<std::string> homeFolder() {
-    return homeFolderWhere(
+    return findHomeFolder(
         [user = ::getuid()](const passwd& entry) { return entry.pw_uid == user; });
 }
 
 std::optional<std::string> homeFolderOf(const std::string& user) {
-    return homeFolderWhere([&](const passwd& entry) { return entry.pw_name == user; });
+    return findHomeFolder([&](const passwd& entry) { return entry.pw_name == user; });
 }
 
 void protectRelocations() {
@@ -197,6 +236,7 @@ std::string applicationSupportFolder() {
 }
 
 void runProgram(const std::string& path, const std::vector<std::string>& arguments) {
+    // posix_spawn takes pointers to characters that are not const.
     std::vector<std::string> words{path};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
@@ -206,24 +246,27 @@ void runProgram(const std::string& path, const std::vector<std::string>& argumen
     }
     argv.push_back(nullptr);
 
-    const CleanStart clean;
+    SpawnAttributes spawn;
     pid_t child = 0;
-    if (::posix_spawn(&child, path.c_str(), clean.actions(), clean.attributes(), argv.data(),
-                      environ) != 0) {
+    if (!spawn.prepare() || ::posix_spawn(&child, path.c_str(), spawn.actions(), spawn.attributes(),
+                                          argv.data(), environ) != 0) {
         return;
     }
-    // Where SIGCHLD is ignored there is nothing to collect: waiting ends with ECHILD once the
-    // program has ended.
+    // If SIGCHLD is ignored, waitpid fails with ECHILD once the program has ended.
     while (::waitpid(child, nullptr, 0) == -1 && errno == EINTR) {
     }
 }
 
-void prepareSocket(int socket) {
-    ::fcntl(socket, F_SETFD, FD_CLOEXEC);
+bool prepareSocket(int socket) {
+    if (::fcntl(socket, F_SETFD, FD_CLOEXEC) != 0) {
+        return false;
+    }
 #ifdef SO_NOSIGPIPE
-    // macOS has this as a property of the socket, Linux as a flag of each send.
+    // On macOS this is an option of the socket. On Linux it is a flag of each send.
     const int on = 1;
-    ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+    return ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on) == 0;
+#else
+    return true;
 #endif
 }
 

@@ -24,70 +24,92 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-/// The same on every system, though the address would hold four bytes more on Linux.
+/// The limit is the same on every system. Linux would allow four bytes more.
 constexpr int maxSocketPath = 103;
 static_assert(sizeof(sockaddr_un::sun_path) > maxSocketPath);
 
 constexpr std::size_t readSize = 16384;
 
-/// When what is waited for from now on is given up.
+/// Returns the deadline of a wait that begins now.
 Clock::time_point deadlineOf(const Timeout& timeout) {
-    const auto* const each = std::get_if<std::chrono::seconds>(&timeout);
-    return each != nullptr ? Clock::now() + *each : std::get<Clock::time_point>(timeout);
+    if (const auto* const forEachWait = std::get_if<milliseconds>(&timeout)) {
+        return Clock::now() + *forEachWait;
+    }
+    return std::get<Clock::time_point>(timeout);
 }
 
-/// Nothing once that moment has passed.
+/// Returns the time until the deadline, or zero if it has passed.
 Clock::duration remaining(Clock::time_point deadline) {
     return std::max(deadline - Clock::now(), Clock::duration::zero());
 }
 
-/// Waits until the socket can be read or written without blocking. Gives false when time ran out.
+/// Waits until the socket can be read or written without blocking. Returns false if the deadline
+/// passes first, or if poll fails.
 bool awaitReady(int socket, short event, Clock::time_point deadline) {
-    constexpr auto longest = milliseconds(std::numeric_limits<int>::max());
+    constexpr auto maxPollTimeout = milliseconds(std::numeric_limits<int>::max());
     pollfd waiting{socket, event, 0};
-    int count = 0;
-    // After an interruption it looks once more even where no time is left: what it waits for may
-    // have come while the process was stopped.
-    do {
-        const auto timeout = std::min(ceil<milliseconds>(remaining(deadline)), longest);
-        count = ::poll(&waiting, 1, static_cast<int>(timeout.count()));
-    } while (count < 0 ? errno == EINTR
-                       : count == 0 && remaining(deadline) != Clock::duration::zero());
-    return count > 0;
+    for (;;) {
+        const auto timeout = std::min(ceil<milliseconds>(remaining(deadline)), maxPollTimeout);
+        const int count = ::poll(&waiting, 1, static_cast<int>(timeout.count()));
+        if (count > 0) {
+            return true;
+        }
+        if (count == 0 && remaining(deadline) == Clock::duration::zero()) {
+            return false;
+        }
+        // After an interruption poll is called again even if the deadline has passed: the socket
+        // may have become ready while the process was stopped.
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+    }
 }
 
-/// A descriptor of a new stream socket, or -1.
+/// Returns the descriptor of a new stream socket, or -1.
 int openSocket() {
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
     if (descriptor < 0 || descriptor > STDERR_FILENO) {
         return descriptor;
     }
-    // We were started with a standard stream closed, and the socket has taken its place: a message
+    // We were started with a standard stream closed, and the socket has taken its number. A message
     // for the user would be written to the application.
     const int moved = ::fcntl(descriptor, F_DUPFD, STDERR_FILENO + 1);
     ::close(descriptor);
     return moved;
 }
 
-/// Whether somebody listens and takes the connection in time.
+bool makeNonBlocking(int socket) {
+    return ::fcntl(socket, F_SETFL, O_NONBLOCK) == 0;
+}
+
+/// Sets the longest time that connect may wait. Returns false if connect could wait without a
+/// limit.
+bool limitConnect(int socket, Clock::duration maxWait) {
+    // A timeout of zero would remove the limit.
+    const auto limit = std::max(ceil<microseconds>(maxWait), microseconds(1)).count();
+    timeval timeout{};
+    timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(limit / 1'000'000);
+    timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(limit % 1'000'000);
+    // If the system has no such limit, connect must not wait at all.
+    return ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout) == 0 ||
+           makeNonBlocking(socket);
+}
+
+/// Returns whether a listener accepted the connection before the deadline.
 bool connectBefore(Clock::time_point deadline, int socket, const sockaddr_un& address) {
-    // Linux waits here while the listener's queue is full. No poll can do that (a socket that
-    // doesn't block is just refused), so this one wait is left to the system, and asked for again
-    // when it was interrupted, which undoes it.
-    do {
-        // None at all would mean to wait for ever.
-        const auto limit =
-            std::max(ceil<microseconds>(remaining(deadline)), microseconds(1)).count();
-        timeval timeout{};
-        timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(limit / 1'000'000);
-        timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(limit % 1'000'000);
-        ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout);
-        // The whole structure's length is passed, not the path's: the zero bytes behind the path
-        // end it. The length byte that it begins with on macOS is not looked at there.
+    // Linux waits in connect while the listener's queue is full. poll cannot replace this wait,
+    // because connect fails at once on a non-blocking socket.
+    while (limitConnect(socket, remaining(deadline))) {
+        // The length is that of the whole structure, in which zero bytes follow the path. macOS
+        // ignores the length byte at its beginning.
         if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
             return true;
         }
-    } while (errno == EINTR);
+        // An interrupted connect has had no effect and can be repeated.
+        if (errno != EINTR) {
+            return false;
+        }
+    }
     return false;
 }
 
@@ -101,16 +123,12 @@ SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_poin
     std::memcpy(address.sun_path, socketPath.data(), socketPath.size());
 
     SocketDescriptor socket(openSocket());
-    // Linux would take an empty path for an abstract address, which somebody else may listen on.
-    if (socket.get() < 0 || socketPath.empty()) {
+    // Linux treats an empty path as an abstract address, where an unrelated program may listen.
+    // After connecting, the socket must not block, so that only poll waits.
+    if (socket.get() < 0 || socketPath.empty() || !platform::prepareSocket(socket.get()) ||
+        !connectBefore(deadline, socket.get(), address) || !makeNonBlocking(socket.get())) {
         throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
-    platform::prepareSocket(socket.get());
-    if (!connectBefore(deadline, socket.get(), address)) {
-        throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
-    }
-    // From here on nothing waits but poll.
-    ::fcntl(socket.get(), F_SETFL, O_NONBLOCK);
     return socket;
 }
 
@@ -128,7 +146,7 @@ Connection::Connection(const std::string& socketPath, Timeout timeout)
 template <class Transfer>
 ssize_t Connection::retryUntilReady(short event, Transfer transfer) const {
     const auto deadline = deadlineOf(timeout_);
-    // Before the transfer, or a peer that never pauses would be listened to beyond the end.
+    // Checked before the transfer, so that a peer that never pauses cannot exceed the deadline.
     if (remaining(deadline) == Clock::duration::zero()) {
         return -1;
     }
@@ -151,7 +169,7 @@ void Connection::send(std::string_view bytes) const {
     }
 }
 
-ByteBuffer Connection::receive(std::size_t longest) const {
+ByteBuffer Connection::receive(std::size_t maxSize) const {
     ByteBuffer bytes;
     for (;;) {
         char* const room = bytes.room(readSize);
@@ -164,7 +182,7 @@ ByteBuffer Connection::receive(std::size_t longest) const {
             return bytes;
         }
         bytes.commit(static_cast<std::size_t>(count));
-        if (bytes.view().size() > longest) {
+        if (bytes.view().size() > maxSize) {
             throw AgentSocketClientError(AgentSocketClientError::malformedResponse{});
         }
     }

@@ -13,11 +13,10 @@
 
 namespace fernlow {
 
-/// How long the other side is waited for: so long each time something is waited for, or until a
-/// moment for everything together.
-using Timeout = std::variant<std::chrono::seconds, std::chrono::steady_clock::time_point>;
+/// A timeout for each wait, or one deadline for the whole exchange.
+using Timeout = std::variant<std::chrono::milliseconds, std::chrono::steady_clock::time_point>;
 
-/// An open socket, closed when it goes.
+/// Owns the descriptor of a socket and closes it. A negative descriptor stands for no socket.
 class SocketDescriptor {
 public:
     explicit SocketDescriptor(int descriptor) : descriptor_(descriptor) {}
@@ -34,23 +33,27 @@ private:
     int descriptor_;
 };
 
-/// A connection to whoever listens on a Unix-domain socket. Connecting, each write and each read is
-/// waited for with timeout. Being stopped and continued meanwhile (Ctrl-Z and `fg`) interrupts
-/// none of them: the clock goes on, but what has come when the process is continued is taken.
+/// A connection to the program that listens on a Unix-domain socket. The timeout limits the wait
+/// for the connection, for each write and for each read.
+///
+/// Stopping and continuing the process (Ctrl-Z and `fg`) fails none of them. The time goes on while
+/// the process is stopped, but data that has arrived by then is still read.
 class Connection {
 public:
-    /// The path is UTF-8 and used as it is. Throws AgentSocketClientError `pathTooLong` or
-    /// `notRunning`.
+    /// Connects to the socket at a path, which is used unchanged. Throws AgentSocketClientError
+    /// `pathTooLong` or `notRunning`.
     Connection(const std::string& socketPath, Timeout timeout);
 
     /// Writes all of the bytes. Throws AgentSocketClientError `writeFailed`.
     void send(std::string_view bytes) const;
 
     /// Reads until the other side closes the connection. Throws AgentSocketClientError
-    /// `readFailed`, or `malformedResponse` where more than `longest` bytes come.
-    [[nodiscard]] ByteBuffer receive(std::size_t longest) const;
+    /// `readFailed`, or `malformedResponse` if more than `maxSize` bytes arrive.
+    [[nodiscard]] ByteBuffer receive(std::size_t maxSize) const;
 
 private:
+    /// Calls a read or write function again whenever the socket is ready, until the call does not
+    /// fail with EAGAIN. Returns its result, or a negative number if the timeout expires.
     template <class Transfer>
     [[nodiscard]] ssize_t retryUntilReady(short event, Transfer transfer) const;
 

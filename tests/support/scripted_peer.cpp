@@ -89,7 +89,8 @@ void ScriptedPeer::serve(int listener) {
             break;
         }
         const int socket = ::accept(listener, nullptr, nullptr);
-        platform::prepareSocket(socket);
+        // macOS refuses if the client has closed the connection already.
+        static_cast<void>(platform::prepareSocket(socket));
         Connection connection(socket);
         script(connection);
         ::close(socket);
