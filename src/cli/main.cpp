@@ -12,30 +12,31 @@
 
 namespace {
 
-const std::terminate_handler usualEnd = std::get_terminate();
+const std::terminate_handler defaultTerminate = std::get_terminate();
 
-/// Throwing takes memory too. The C++ library sets some aside for it as the program starts; without
-/// even that, a throw ends here, whether or not a request was sent.
-void endWithoutException() {
+/// A terminate handler. Throwing an exception takes memory. The C++ library reserves some when the
+/// program starts; if it could not, a throw ends here without an exception. A request may have been
+/// sent by then.
+void terminateWithoutMemory() {
     if (std::current_exception() != nullptr) {
-        usualEnd();
+        defaultTerminate();
     }
-    static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemory));
-    ::_exit(fernlow::notReached);
+    static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemoryMessage));
+    ::_exit(fernlow::unreachableStatus);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     fernlow::platform::protectRelocations();
-    std::set_terminate(&endWithoutException);
+    std::set_terminate(&terminateWithoutMemory);
     const bool standardOutputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
     try {
         const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
         const auto currentDirectory = fernlow::CurrentDirectory::ofProcess();
         return fernlow::runAgentCLI(arguments, currentDirectory, standardOutputIsTerminal) & 0xFF;
     } catch (const std::bad_alloc&) {
-        static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemory));
-        return fernlow::badArguments;
+        static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemoryMessage));
+        return fernlow::badArgumentsStatus;
     }
 }

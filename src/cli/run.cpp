@@ -19,27 +19,28 @@ namespace {
 
 constexpr std::string_view version = FERNLOW_VERSION;
 
-/// JSON goes out as it is, whoever reads it.
+/// writeTextLine, or writeLine for JSON, which is written unchanged even to a terminal.
 using Writer = bool (*)(int descriptor, std::string_view text);
 
 void writeStandardError(const RunEnvironment& environment, std::string_view text,
                         Writer write = writeTextLine) {
-    // There is nobody left to tell when this fails.
+    // There is no other place to report a failure.
     static_cast<void>(write(environment.standardError, text));
 }
 
-void report(const RunEnvironment& environment, const std::exception& error) {
+void printError(const RunEnvironment& environment, const std::exception& error) {
     const bool isOutOfMemory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
     try {
-        writeStandardError(environment, isOutOfMemory ? outOfMemory : error.what());
+        writeStandardError(environment, isOutOfMemory ? outOfMemoryMessage : error.what());
     } catch (const std::bad_alloc&) {
-        writeStandardError(environment, outOfMemory);
+        writeStandardError(environment, outOfMemoryMessage);
     }
 }
 
-/// Writes the text and gives the status, which is never success when the text was lost.
-int finish(const RunEnvironment& environment, std::string_view text, int status,
-           Writer write = writeTextLine) {
+/// Writes the text to standard output. Returns the given exit status, or 1 instead of 0 if the text
+/// could not be written.
+int writeResult(const RunEnvironment& environment, std::string_view text, int status,
+                Writer write = writeTextLine) {
     if (write(environment.standardOutput, text)) {
         return status;
     }
@@ -49,7 +50,7 @@ int finish(const RunEnvironment& environment, std::string_view text, int status,
 
 int performRequest(const AgentCLIInvocation& invocation, const AgentRequest& request,
                    const RunEnvironment& environment) {
-    const AgentSocketClient client(environment.launch);
+    const AgentSocketClient client(environment.exchange);
     AgentReply reply = client.exchange(invocation.socketPath, invocation.launchIfNeeded, request);
     const ReplyOutput output =
         presentReply(reply.statusCode, std::move(reply.body), invocation.wantsJSON);
@@ -58,7 +59,7 @@ int performRequest(const AgentCLIInvocation& invocation, const AgentRequest& req
         writeStandardError(environment, output.text.view(), write);
         return output.exitStatus;
     }
-    return finish(environment, output.text.view(), output.exitStatus, write);
+    return writeResult(environment, output.text.view(), output.exitStatus, write);
 }
 
 int perform(const AgentCLIInvocation& invocation, const RunEnvironment& environment) {
@@ -67,10 +68,10 @@ int perform(const AgentCLIInvocation& invocation, const RunEnvironment& environm
         const RunEnvironment& environment;
 
         int operator()(const AgentCLIAction::help& /*help*/) const {
-            return finish(environment, usageText(), 0);
+            return writeResult(environment, usageText(), 0);
         }
         int operator()(const AgentCLIAction::version& /*version*/) const {
-            return finish(environment, version, 0);
+            return writeResult(environment, version, 0);
         }
         int operator()(const AgentCLIAction::get& get) const {
             return performRequest(invocation, {"GET", get.path, {}}, environment);
@@ -90,14 +91,14 @@ int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirector
     try {
         invocation = parseInvocation(arguments, currentDirectory, standardOutputIsTerminal);
     } catch (const std::exception& error) {
-        report(environment, error);
-        return badArguments;
+        printError(environment, error);
+        return badArgumentsStatus;
     }
     try {
         return perform(invocation, environment);
     } catch (const std::exception& error) {
-        report(environment, error);
-        return notReached;
+        printError(environment, error);
+        return unreachableStatus;
     }
 }
 

@@ -10,26 +10,27 @@
 
 namespace fernlow {
 
-/// What a run says when memory has run out.
-inline constexpr const char* outOfMemory = "There is not enough memory for this.";
-/// The exit status when nothing was sent, and when the application gave no answer.
-inline constexpr int badArguments = 2;
-inline constexpr int notReached = 3;
+inline constexpr const char* outOfMemoryMessage = "There is not enough memory for this.";
+inline constexpr int badArgumentsStatus = 2;
+inline constexpr int unreachableStatus = 3;
 
-/// What a run uses of the world around it; the defaults are the real ones.
+/// The descriptors and settings of a run. The defaults are those of the program; tests set others.
 struct RunEnvironment {
     int standardOutput = STDOUT_FILENO;
     int standardError = STDERR_FILENO;
-    LaunchSettings launch{};
+    ExchangeSettings exchange{};
 };
 
-/// One whole run: understands the arguments (those after the program's name), has the request
-/// carried out, writes one text to standard output or standard error, and gives the exit status.
-/// Never throws.
+/// Runs the program: parses the arguments (without the program's name), sends the request, and
+/// writes one text to standard output or standard error. Returns the exit status. Never throws.
 ///
-/// 0 finished; 1 finished, but something failed (or the text could not be written); 2 bad
-/// arguments; 3 the application could not be reached or answered badly; 4 the wait expired;
-/// 5 refused.
+/// The exit statuses are:
+/// - 0: finished;
+/// - 1: finished, but something failed, or the text could not be written;
+/// - 2: bad arguments;
+/// - 3: the application could not be reached, or its reply is malformed;
+/// - 4: the wait expired;
+/// - 5: refused, or the reply could not be read.
 int runAgentCLI(const std::vector<std::string>& arguments, const CurrentDirectory& currentDirectory,
                 bool standardOutputIsTerminal, const RunEnvironment& environment = {});
 

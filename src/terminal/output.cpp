@@ -15,17 +15,18 @@ namespace fernlow {
 
 namespace {
 
-/// Whether the write that just failed is worth another try, after waiting for room if that was
-/// what it lacked: a terminal or pipe may have been made non-blocking by whoever shares it.
-bool mayRetry(int descriptor) {
+/// Returns whether the write that has just failed can be repeated. If it would have blocked, waits
+/// until the descriptor accepts bytes: another program that shares a terminal or pipe may have made
+/// it non-blocking.
+bool canRetry(int descriptor) {
     if (errno == EINTR) {
         return true;
     }
     if (errno != EAGAIN && errno != EWOULDBLOCK) {
         return false;
     }
-    pollfd room{descriptor, POLLOUT, 0};
-    return ::poll(&room, 1, -1) == 1 || errno == EINTR;
+    pollfd waiting{descriptor, POLLOUT, 0};
+    return ::poll(&waiting, 1, -1) == 1 || errno == EINTR;
 }
 
 } // namespace
@@ -33,11 +34,11 @@ bool mayRetry(int descriptor) {
 bool writeLine(int descriptor, std::string_view text) {
     std::string_view lineBreak = "\n";
     while (!lineBreak.empty()) {
-        // writev only reads what it is given, but its parameter has no way to say so.
+        // writev does not change the bytes, although its parameter type is not const.
         const std::array<iovec, 2> parts{{{const_cast<char*>(text.data()), text.size()},
                                           {const_cast<char*>(lineBreak.data()), lineBreak.size()}}};
         const ssize_t written = ::writev(descriptor, parts.data(), static_cast<int>(parts.size()));
-        if (written < 0 && mayRetry(descriptor)) {
+        if (written < 0 && canRetry(descriptor)) {
             continue;
         }
         if (written <= 0) {

@@ -13,24 +13,27 @@ namespace {
 constexpr char escape = '\x1B';
 constexpr std::string_view colourReset = "\x1B[0m";
 
-/// Nearly every character of nearly every text.
 bool isPrintableASCII(char character) {
     return character >= ' ' && character <= '~';
 }
 
-/// Whether the text begins with eight of them, told at once.
+/// Returns whether the text begins with eight printable ASCII characters. Most text consists of
+/// them, and testing eight at once is faster than one by one.
 bool beginsPrintable(std::string_view text) {
-    std::uint64_t eight = 0;
-    if (text.size() < sizeof eight) {
+    std::uint64_t bytes = 0;
+    if (text.size() < sizeof bytes) {
         return false;
     }
-    std::memcpy(&eight, text.data(), sizeof eight);
-    // A byte's highest bit is set here when the byte lies beyond "~" or, less a space, below zero.
-    const std::uint64_t odd = eight | (eight + 0x0101010101010101U) | (eight - 0x2020202020202020U);
-    return (odd & 0x8080808080808080U) == 0;
+    std::memcpy(&bytes, text.data(), sizeof bytes);
+    // A byte's highest bit is set in the first term if the byte is not ASCII, in the second if it
+    // is DEL, and in the third if it is a control character. A carry or borrow comes only from such
+    // a byte.
+    const std::uint64_t marked =
+        bytes | (bytes + 0x0101010101010101U) | (bytes - 0x2020202020202020U);
+    return (marked & 0x8080808080808080U) == 0;
 }
 
-/// The length of the colour sequence that the text begins with; 0 where it begins with none.
+/// Returns the length of the colour sequence at the beginning of the text, or 0 if there is none.
 std::size_t colourLength(std::string_view text) {
     if (!text.starts_with("\x1B[")) {
         return 0;
@@ -43,94 +46,96 @@ bool isControl(std::string_view character) {
     if (character.size() == 1) {
         return character.front() < ' ' || character.front() == '\x7F';
     }
-    // C1 is U+0080 to U+009F; the others are U+202A to U+202E and U+2066 to U+2069.
-    // NOLINTBEGIN(misc-misleading-bidirectional): they are what is looked for.
+    // These ranges are C1 (U+0080 to U+009F), U+202A to U+202E, and U+2066 to U+2069.
+    // NOLINTBEGIN(misc-misleading-bidirectional): the function compares with these characters.
     return (character >= "\xC2\x80" && character <= "\xC2\x9F") ||
            (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
            (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
     // NOLINTEND(misc-misleading-bidirectional)
 }
 
-enum class Passed : std::uint8_t { harmless, unfit, colour, endOfColour };
+enum class TokenKind : std::uint8_t { safe, unsafe, colour, reset };
 
-/// One step through a text: how far it leads, and over what.
-struct Step {
+/// A character, a colour sequence or a malformed sequence of bytes.
+struct Token {
     std::size_t length;
-    Passed passed;
+    TokenKind kind;
 };
 
-/// The step over the escape character that the text begins with.
-Step stepOverEscape(std::string_view text) {
+/// Returns the first token of a text that begins with the escape character.
+Token firstEscape(std::string_view text) {
     const std::size_t length = colourLength(text);
     if (length == 0) {
-        return {1, Passed::unfit};
+        return {1, TokenKind::unsafe};
     }
-    const bool ends = text.substr(0, length).find_first_of("123456789") == std::string_view::npos;
-    return {length, ends ? Passed::endOfColour : Passed::colour};
+    const std::string_view sequence = text.substr(0, length);
+    const bool isReset = sequence.find_first_of("123456789") == std::string_view::npos;
+    return {length, isReset ? TokenKind::reset : TokenKind::colour};
 }
 
-Step firstStep(std::string_view text) {
+Token firstToken(std::string_view text) {
     switch (text.front()) {
     case '\t':
     case '\n':
-        return {1, Passed::harmless};
+        return {1, TokenKind::safe};
     case '\r':
-        // The text's own end counts: a line break is written behind it.
-        return {1, text.size() > 1 && text[1] != '\n' ? Passed::unfit : Passed::harmless};
+        // At the end of the text it is safe as well, because a line break is written after the
+        // text.
+        return {1, text.size() > 1 && text[1] != '\n' ? TokenKind::unsafe : TokenKind::safe};
     case escape:
-        return stepOverEscape(text);
+        return firstEscape(text);
     default: {
         const auto [length, wellFormed] = utf8::firstSequence(text);
-        const bool fit = wellFormed && !isControl(text.substr(0, length));
-        return {length, fit ? Passed::harmless : Passed::unfit};
+        const bool isSafe = wellFormed && !isControl(text.substr(0, length));
+        return {length, isSafe ? TokenKind::safe : TokenKind::unsafe};
     }
     }
 }
 
-/// The length of what is fit at the text's beginning. Keeps track of whether a colour is on.
-std::size_t fitLength(std::string_view text, bool& coloured) {
-    std::size_t at = 0;
-    while (at < text.size()) {
-        if (beginsPrintable(text.substr(at))) {
-            at += 8;
+/// Returns the length of the text before its first unsafe token. Updates whether a colour is on.
+std::size_t safeLength(std::string_view text, bool& colourIsOn) {
+    std::size_t offset = 0;
+    while (offset < text.size()) {
+        if (beginsPrintable(text.substr(offset))) {
+            offset += 8;
             continue;
         }
-        if (isPrintableASCII(text[at])) {
-            ++at;
+        if (isPrintableASCII(text[offset])) {
+            ++offset;
             continue;
         }
-        const Step step = firstStep(text.substr(at));
-        if (step.passed == Passed::unfit) {
+        const Token token = firstToken(text.substr(offset));
+        if (token.kind == TokenKind::unsafe) {
             break;
         }
-        if (step.passed != Passed::harmless) {
-            coloured = step.passed == Passed::colour;
+        if (token.kind != TokenKind::safe) {
+            colourIsOn = token.kind == TokenKind::colour;
         }
-        at += step.length;
+        offset += token.length;
     }
-    return at;
+    return offset;
 }
 
 } // namespace
 
 std::optional<ByteBuffer> withVisibleControls(std::string_view text) {
-    bool coloured = false;
-    std::size_t fit = fitLength(text, coloured);
-    if (fit == text.size() && !coloured) {
+    bool colourIsOn = false;
+    std::size_t safe = safeLength(text, colourIsOn);
+    if (safe == text.size() && !colourIsOn) {
         return std::nullopt;
     }
     ByteBuffer visible;
     for (;;) {
-        visible.append(text.substr(0, fit));
-        text.remove_prefix(fit);
+        visible.append(text.substr(0, safe));
+        text.remove_prefix(safe);
         if (text.empty()) {
             break;
         }
         visible.append(utf8::replacementCharacter);
-        text.remove_prefix(firstStep(text).length);
-        fit = fitLength(text, coloured);
+        text.remove_prefix(firstToken(text).length);
+        safe = safeLength(text, colourIsOn);
     }
-    if (coloured) {
+    if (colourIsOn) {
         visible.append(colourReset);
     }
     return visible;

@@ -7,16 +7,23 @@
 
 namespace fernlow {
 
-/// The text as a terminal may be handed it. Names of files and messages of compilers come from
-/// projects that somebody has downloaded, and a terminal obeys whatever control sequence it reads:
-/// it moves the cursor over what was printed, or writes to the clipboard.
+/// Returns a copy of the text that is safe to write to a terminal, or nothing if the text is safe
+/// already.
 ///
-/// Control characters become visible, each as one U+FFFD: C0 except the tab and the line break (and
-/// the carriage return in front of one), DEL, C1, and the controls that turn the direction of
-/// writing (U+202A to U+202E, U+2066 to U+2069; the marks U+200E, U+200F and U+061C, which turn
-/// nothing but their neighbours, pass). So does what is not valid UTF-8, each sequence as one: an
-/// 8-bit terminal would take some of its bytes for C1. Colours (ESC "[", digits and ";", "m") stay,
-/// and end with the text. Gives nothing where the text is fit as it is.
+/// File names and compiler messages come from downloaded projects, and a terminal obeys every
+/// control sequence that it reads: one moves the cursor over earlier output, another writes to the
+/// clipboard. So each of these is replaced by one U+FFFD:
+/// - a C0 control character, except the tab, the line break, and a carriage return before a line
+///   break or at the end of the text;
+/// - DEL, or a C1 control character;
+/// - a control that changes the writing direction of the text after it (U+202A to U+202E, U+2066 to
+///   U+2069). The marks U+200E, U+200F and U+061C stay, because they affect only their neighbours;
+/// - a sequence of bytes that is not valid UTF-8. An 8-bit terminal would read some of these bytes
+/// as
+///   C1.
+///
+/// Colour sequences (ESC "[", digits and ";", "m") stay. If a colour is still on at the end of the
+/// text, a reset is added.
 std::optional<ByteBuffer> withVisibleControls(std::string_view text);
 
 } // namespace fernlow

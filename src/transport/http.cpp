@@ -12,11 +12,16 @@ namespace {
 
 constexpr std::string_view lineBreak = "\r\n";
 constexpr std::string_view blankLine = "\r\n\r\n";
-/// For requests that don't say; that --timeout has the same default is a coincidence.
-constexpr double usualReplyTimeout = 600;
+/// The timeout of a request that states none. The default of --timeout is the same by coincidence.
+constexpr double defaultTimeout = 600;
+/// The time for the reply to arrive after the application's own timeout, in seconds.
+constexpr double replyMargin = 30;
+/// Thirty years. A longer timeout would overflow the units in which clocks count.
+constexpr double maxTimeout = 1e9;
 constexpr std::string_view timeoutKey = "timeoutSeconds";
 
-/// Takes the next piece that isn't empty off the front of the text; empty at the end.
+/// Removes the next piece that is not empty from the front of the text and returns it. Returns ""
+/// at the end of the text.
 std::string_view takePiece(std::string_view& text, std::string_view separator) {
     while (text.starts_with(separator)) {
         text.remove_prefix(separator.size());
@@ -57,15 +62,16 @@ AgentReply parseReply(ByteBuffer bytes) {
     return {*statusCode, std::move(bytes)};
 }
 
-std::chrono::seconds replyTimeout(std::string_view body) {
-    // Thirty years: no machine waits longer, and clocks count in units that overflow.
-    constexpr double longest = 1e9;
+std::chrono::milliseconds replyTimeout(std::string_view body,
+                                       std::chrono::milliseconds minTimeout) {
     const auto document = json::Document::parse(body, {&timeoutKey, 1});
     const auto object = document ? document->root().object() : std::nullopt;
     const auto timeout = object ? object->find(timeoutKey) : std::nullopt;
     const auto literal = timeout ? timeout->numberLiteral() : std::nullopt;
-    const double seconds = literal ? number::nearestDouble(*literal) : usualReplyTimeout;
-    return std::chrono::seconds(static_cast<std::int64_t>(std::clamp(seconds + 30, 5.0, longest)));
+    const double requested = literal ? number::nearestDouble(*literal) : defaultTimeout;
+    const double limited = std::clamp(requested + replyMargin, 0.0, maxTimeout);
+    const std::chrono::seconds wait(static_cast<std::int64_t>(limited));
+    return std::max<std::chrono::milliseconds>(wait, minTimeout);
 }
 
 } // namespace fernlow

@@ -9,28 +9,32 @@
 
 namespace fernlow {
 
-/// One request: "GET" or "POST", the request path, and a JSON document (empty for GET).
+/// A request to the application. The method is "GET" or "POST". The body is a JSON document, or
+/// empty for GET.
 struct AgentRequest {
     std::string_view method;
     std::string_view path;
     std::string_view body;
 };
 
-/// One reply. The status code is what the status line says and decides nothing by itself.
+/// A reply of the application: the status code of the status line, and the body.
 struct AgentReply {
     std::int64_t statusCode = 0;
     ByteBuffer body;
 };
 
-/// The bytes that carry the request: an HTTP/1.1 head with a fixed set of headers, then the body.
+/// Returns the request as HTTP/1.1: a head with a fixed set of headers, then the body.
 std::string requestBytes(const AgentRequest& request);
 
-/// Splits all that was read into status code and body. No header is looked at: the body is whatever
-/// lies behind the first blank line. Throws AgentSocketClientError `malformedResponse`.
+/// Splits a complete reply into its status code and its body. The headers are ignored: the body is
+/// everything after the first blank line. Throws AgentSocketClientError `malformedResponse`.
 AgentReply parseReply(ByteBuffer bytes);
 
-/// How long the application is waited for after a request with this body: its "timeoutSeconds", or
-/// 600 where it has none, and 30 more for the answer to arrive, but 5 at least.
-std::chrono::seconds replyTimeout(std::string_view body);
+inline constexpr std::chrono::seconds minReplyTimeout{5};
+
+/// Returns the timeout for the application's reply to a request with this body: 30 seconds more
+/// than its "timeoutSeconds" (600 if it has none), but at least `minTimeout`.
+std::chrono::milliseconds replyTimeout(std::string_view body,
+                                       std::chrono::milliseconds minTimeout = minReplyTimeout);
 
 } // namespace fernlow

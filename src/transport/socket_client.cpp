@@ -14,23 +14,24 @@ namespace fernlow {
 
 namespace {
 
-/// No reply comes near it. A peer that never stops sending is stopped here, before it has used up
-/// the machine.
+/// The size at which a peer that never stops sending is cut off, before it uses up the memory. Real
+/// replies are much smaller.
 constexpr std::size_t maxReplySize = std::size_t{256} * 1024 * 1024;
 
 constexpr std::chrono::seconds probeTimeout{30};
 
-AgentReply attempt(const std::string& socketPath, const AgentRequest& request) {
+AgentReply attempt(const std::string& socketPath, const AgentRequest& request,
+                   std::chrono::milliseconds minTimeout) {
     ByteBuffer bytes;
     {
-        const Connection connection(socketPath, replyTimeout(request.body));
+        const Connection connection(socketPath, replyTimeout(request.body, minTimeout));
         connection.send(requestBytes(request));
         bytes = connection.receive(maxReplySize);
     }
     return parseReply(std::move(bytes));
 }
 
-bool somebodyListens(const std::string& socketPath) {
+bool acceptsConnections(const std::string& socketPath) {
     try {
         const Connection probe(socketPath, probeTimeout);
         return true;
@@ -39,12 +40,12 @@ bool somebodyListens(const std::string& socketPath) {
     }
 }
 
-/// Has the system start the application in the background, and waits until its socket accepts a
-/// connection or timeout runs out. Never fails: whoever connects next finds out.
-void launchApplication(const std::string& socketPath, const LaunchSettings& settings) {
-    platform::runProgram(settings.program, {"-g", "-b", applicationBundleIdentifier});
-    const auto deadline = std::chrono::steady_clock::now() + settings.timeout;
-    while (std::chrono::steady_clock::now() < deadline && !somebodyListens(socketPath)) {
+/// Asks the system to start the application in the background. Waits until its socket accepts a
+/// connection or the launch timeout expires. Reports no failure: the next connection shows it.
+void launchApplication(const std::string& socketPath, const ExchangeSettings& settings) {
+    platform::runProgram(settings.launchProgram, {"-g", "-b", applicationBundleIdentifier});
+    const auto deadline = std::chrono::steady_clock::now() + settings.launchTimeout;
+    while (std::chrono::steady_clock::now() < deadline && !acceptsConnections(socketPath)) {
         std::this_thread::sleep_for(settings.pollInterval);
     }
 }
@@ -54,15 +55,15 @@ void launchApplication(const std::string& socketPath, const LaunchSettings& sett
 AgentReply AgentSocketClient::exchange(const std::string& socketPath, bool launchIfNeeded,
                                        const AgentRequest& request) const {
     try {
-        return attempt(socketPath, request);
+        return attempt(socketPath, request, settings_.minReplyTimeout);
     } catch (const AgentSocketClientError& error) {
         if (!launchIfNeeded ||
             !std::holds_alternative<AgentSocketClientError::notRunning>(error.kind())) {
             throw;
         }
     }
-    launchApplication(socketPath, launch_);
-    return attempt(socketPath, request);
+    launchApplication(socketPath, settings_);
+    return attempt(socketPath, request, settings_.minReplyTimeout);
 }
 
 } // namespace fernlow

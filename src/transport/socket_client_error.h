@@ -6,16 +6,16 @@
 
 namespace fernlow {
 
-/// The application could not be reached, or answered badly: which of the cases below. Two are equal
-/// when their cases and payloads are.
+/// The application could not be reached, or did not answer as expected. Two errors are equal if
+/// their cases and the members of the cases are equal.
 class AgentSocketClientError : public std::exception {
 public:
-    /// Nobody listens at the path, or nobody that we may speak to.
+    /// Nothing accepts our connection at the path.
     struct notRunning {
         std::string path;
         bool operator==(const notRunning&) const = default;
     };
-    /// `limit` is the longest path that fits, in bytes.
+    /// The path has more than `limit` bytes.
     struct pathTooLong {
         std::string path;
         int limit = 0;
@@ -36,7 +36,7 @@ public:
 
     [[nodiscard]] const Kind& kind() const { return kind_; }
 
-    /// The sentence for the user.
+    /// Returns the message for the user.
     [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
 
     friend bool operator==(const AgentSocketClientError& one, const AgentSocketClientError& other) {

@@ -5,16 +5,17 @@
 
 namespace fernlow {
 
-/// Names the application to the system, and its folder among the support files.
+/// Identifies the application to the system. It is also the name of the application's folder below
+/// the system's folder for support files.
 inline constexpr const char* applicationBundleIdentifier = "com.tarnwick.Fernlow3";
 
-/// Where the application listens: "agent.sock" in its own support folder. Nothing is created or
-/// tested for. Never fails.
+/// Returns the path of the socket on which the application listens: "agent.sock" in its own support
+/// folder. The socket need not exist. Never fails.
 std::string defaultSocketPath();
 
-/// The same for a system that names `support` as the folder of support files and a user whose home
-/// folder is `home`. A "~" in front of `support` stands for `home`; where no absolute path comes of
-/// it, the folder is the usual one below `home`.
+/// Returns the same path for a given support folder of the system and a given home folder. A "~" at
+/// the beginning of `support` stands for `home`. If `support` is not absolute even then, the folder
+/// is "Library/Application Support" below `home`.
 std::string socketPathIn(const std::string& support, const std::optional<std::string>& home);
 
 } // namespace fernlow

@@ -65,12 +65,12 @@ std::string program(const std::string& place) {
                              : FERNLOW_BUILT + place.substr(place.find('/'));
 }
 
-Outcome runLine(std::string_view line, LaunchSettings launch) {
+Outcome runLine(std::string_view line, ExchangeSettings settings) {
     const Streams streams;
     if (std::getenv("FERNLOW_PREFIX") != nullptr) {
         // Not by every run: threads of these tests run lines side by side.
-        if (launch.program != LaunchSettings().program) {
-            ::setenv("FERNLOW_OPEN", launch.program.c_str(), 1);
+        if (settings.launchProgram != ExchangeSettings().launchProgram) {
+            ::setenv("FERNLOW_OPEN", settings.launchProgram.c_str(), 1);
         }
         const auto separate = [&] { ::dup2(streams.error, STDERR_FILENO); };
         Outcome outcome = runProgram({splitWords(line), "/", separate, true});
@@ -78,7 +78,7 @@ Outcome runLine(std::string_view line, LaunchSettings launch) {
         return {outcome.standardOutput, streams.close(0).standardError, outcome.status};
     }
     return streams.close(runAgentCLI(splitWords(line), CurrentDirectory("/p/src"), true,
-                                     {streams.output, streams.error, std::move(launch)}));
+                                     {streams.output, streams.error, std::move(settings)}));
 }
 
 Outcome runProgram(const ProgramRun& run) {

@@ -28,7 +28,7 @@ std::string program(const std::string& place);
 /// terminal, and with files in place of the standard streams. Where FERNLOW_PREFIX is set, that
 /// program is run instead: its folder is another, its patience its own, and /usr/bin/open has to
 /// run what FERNLOW_OPEN names.
-Outcome runLine(std::string_view line, LaunchSettings launch = {});
+Outcome runLine(std::string_view line, ExchangeSettings settings = {});
 
 /// How the built program is run.
 struct ProgramRun {
