@@ -1,70 +1,56 @@
-// The built program against the stand-in application.
+// Runs the built program against the stand-in application.
 #include "support/command_line.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
+#include "transport/socket_client.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 namespace fernlow::test {
 namespace {
 
+/// A stand-in and a folder "site" with sources, in which the program runs.
 class EndToEnd : public testing::Test {
 protected:
     EndToEnd() {
-        write("src/_ink.scss", "$ink: #222;\n");
-        write("src/app.scss", "@import \"ink\";\nbody { color: $ink; }\n");
-        write("src/print.scss", "@import \"ink\";\np { color: $ink; }\n");
-        write("src/main.js", "function greet() {\n");
-        write("vendor/library.js", "vendored();\n");
+        folder_.write("site/src/_ink.scss", "$ink: #222;\n");
+        folder_.write("site/src/app.scss", "@import \"ink\";\nbody { color: $ink; }\n");
+        folder_.write("site/src/print.scss", "@import \"ink\";\np { color: $ink; }\n");
+        folder_.write("site/src/main.js", "function greet() {\n");
+        folder_.write("site/vendor/library.js", "vendored();\n");
     }
 
-    void write(const std::string& name, const std::string& text) {
-        const auto path = std::filesystem::path(site()) / name;
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << text;
-    }
+    [[nodiscard]] std::string site() const { return folder_.file("site"); }
 
-    /// A folder's real path, as the program sees it in getcwd().
-    [[nodiscard]] std::string site() const {
-        return std::filesystem::canonical(folder_.path()).string() + "/site";
-    }
+    [[nodiscard]] std::string socket() const { return folder_.file("s"); }
 
-    [[nodiscard]] Outcome run(const std::string& line, bool inTerminal) const {
+    [[nodiscard]] Outcome run(const std::string& line, bool inTerminal = false) const {
         ProgramRun run{splitWords(line), site(), {}, inTerminal};
         run.arguments.insert(run.arguments.end(), {"--no-launch", "--socket", socket()});
         return runProgram(run);
     }
 
-    /// What a person sees, without the terminal's carriage returns and with the site's folder as
-    /// "SITE"; then the status.
+    /// Returns the text on a terminal, with the site's path as "SITE" and the exit status in
+    /// brackets at the end.
     [[nodiscard]] std::string seen(const std::string& line) const {
         const Outcome outcome = run(line, true);
-        std::string text;
-        for (const char character : outcome.standardOutput) {
-            if (character != '\r') {
-                text += character;
-            }
-        }
-        for (std::size_t at = 0; (at = text.find(site(), at)) != std::string::npos;) {
-            text.replace(at, site().size(), "SITE");
-        }
-        return text + "[" + std::to_string(outcome.status) + "]";
+        const std::string text = replaceAll(outcome.standardOutput, "\r", "");
+        return replaceAll(text, site(), "SITE") + "[" + std::to_string(outcome.status) + "]";
     }
 
-    [[nodiscard]] nlohmann::json read(const std::string& line) const {
-        const Outcome outcome = run(line, false);
+    /// Returns the "result" of the JSON reply.
+    nlohmann::json read(const std::string& line) const {
+        const Outcome outcome = run(line);
         EXPECT_EQ(outcome.status, 0) << line << outcome;
         return nlohmann::json::parse(outcome.standardOutput)["result"];
     }
 
-    [[nodiscard]] std::string socket() const { return folder_.file("s"); }
-
-private:
     TemporaryFolder folder_;
     StandIn standIn_{socket()};
 };
@@ -75,7 +61,7 @@ TEST_F(EndToEnd, SpeaksTextToATerminalAndJsonToAPipe) {
                               "Log cursor: 0\n[0]");
     EXPECT_EQ(read("status")["logCursor"], 0);
     EXPECT_EQ(nlohmann::json::parse(run("--json status", true).standardOutput)["ok"], true);
-    EXPECT_EQ(run("remove nothing", false).standardOutput, "");
+    EXPECT_EQ(run("remove nothing").standardOutput, "");
     EXPECT_EQ(seen("frobnicate"), "There is no \"frobnicate\" command. Run \"fernlow --help\" to "
                                   "see what there is.\n[2]");
 }
@@ -95,12 +81,12 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
                              "ERROR  Syntax error in src/main.js\n"
                              "The brackets don't balance.\n"
                              "  SITE/src/main.js:1:18  This \"{\" is never closed.\n[1]");
-    write("src/main.js", "function greet() {}\n");
+    folder_.write("site/src/main.js", "function greet() {}\n");
     EXPECT_EQ(seen("process src/main.js"), "Compiled 1 file. 0 errors, 0 warnings.\n[0]");
     EXPECT_EQ(seen("process src/_ink.scss"),
               "Compiled 2 files. 0 errors, 0 warnings.\n"
               "(You asked for 1; Fernlow rebuilt everything that depended on them.)\n[0]");
-    EXPECT_TRUE(std::filesystem::exists(site() + "/build/app.css"));
+    EXPECT_TRUE(folder_.contains("site/build/app.css"));
     EXPECT_EQ(seen("log --errors-only"), "2  ERROR  Syntax error in src/main.js\n[0]");
 
     EXPECT_EQ(seen("settings set imageQuality=0.25"), "Project-wide:\n  imageQuality = 0.25\n[0]");
@@ -111,11 +97,11 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
               "src/print.scss  [IGNORE, action chose");
     for (const char* const outside :
          {"--output-folder .", "--output-folder build --output-name .."}) {
-        EXPECT_EQ(run(std::string("files set src/print.scss ") + outside, false).status, 5);
+        EXPECT_EQ(run(std::string("files set src/print.scss ") + outside).status, 5);
     }
     for (const char* const name : {R"(\u0000x)", R"(a\n)", "a/b", "..", ""}) {
         const std::string values = R"('{"buildFolderName":")" + std::string(name) + R"("}')";
-        EXPECT_EQ(run("settings set --values " + values, false).status, 5) << name;
+        EXPECT_EQ(run("settings set --values " + values).status, 5) << name;
     }
     EXPECT_EQ(seen("files --limit 2 --offset 2"), "src/main.js\n"
                                                   "    \u2192 SITE/build/main.js\n"
@@ -123,7 +109,7 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
                                                   "\n"
                                                   "2 of 4.\n[0]");
 
-    write("src/_ink.scss", "$ink: {\n");
+    folder_.write("site/src/_ink.scss", "$ink: {\n");
     EXPECT_EQ(seen("process src/_ink.scss"), "Compiled 0 files. 1 error, 0 warnings.\n"
                                              "\n"
                                              "ERROR  Syntax error in src/app.scss\n"
@@ -133,8 +119,8 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
 
     // Nothing can be written where a folder is.
     std::filesystem::create_directories(site() + "/build/logo.svg");
-    write("src/logo.svg", "<svg/>");
-    EXPECT_EQ(run("process src/logo.svg", false).status, 1);
+    folder_.write("site/src/logo.svg", "<svg/>");
+    EXPECT_EQ(run("process src/logo.svg").status, 1);
     EXPECT_NE(seen("wait --project . --since 0").find("ERROR  Work stopped"), std::string::npos);
 
     EXPECT_EQ(read("packages install lint --save-to development,optional")["command"],
@@ -146,10 +132,55 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("projects"), "No projects.\n[0]");
 }
 
-/// Every endpoint that the stand-in knows is one that a command can reach.
+/// Whatever links a project contains, a build neither copies nor changes a file outside it.
+TEST_F(EndToEnd, BuildFollowsNoLinkOutOfTheProject) {
+    folder_.write("outside/x.css", "precious");
+    folder_.write("site/src/sub/x.css", "");
+    folder_.write("site/src/main.js", "");
+    read("add");
+    const struct {
+        const char* link;
+        std::string target;
+        int status;
+    } cases[] = {{"site/src/x.css", "../../outside/x.css", 1},
+                 {"site/build", folder_.file("outside"), 1},
+                 {"site/build/sub", folder_.file("outside"), 1},
+                 {"site/build/sub", "..", 1},
+                 {"site/build/app.css", folder_.file("outside/x.css"), 0}};
+    for (const auto& [link, target, status] : cases) {
+        std::filesystem::remove_all(folder_.file(link));
+        std::filesystem::create_directories(
+            std::filesystem::path(folder_.file(link)).parent_path());
+        std::filesystem::create_symlink(target, folder_.file(link));
+        EXPECT_EQ(run("build").status, status) << link;
+        EXPECT_EQ(folder_.contents("outside/x.css"), "precious") << link;
+        EXPECT_FALSE(folder_.contains("outside/app.css")) << link;
+        std::filesystem::remove(folder_.file(link));
+        EXPECT_EQ(folder_.contents("site/build/x.css"), "") << link;
+    }
+}
+
+TEST_F(EndToEnd, StandInRefusesDeepNesting) {
+    for (const auto& [depth, status] : {std::pair(1022, 422), {1023, 400}, {100'000, 400}}) {
+        const std::string body = R"({"literals":{},"values":{"browserTargets":)" +
+                                 std::string(depth, '[') + std::string(depth, ']') + "}}";
+        const AgentRequest request{"POST", "/v1/defaults/set", body};
+        EXPECT_EQ(AgentSocketClient({}).exchange(socket(), false, request).statusCode, status);
+    }
+}
+
+/// Otherwise two that start together could both replace the same stale socket.
+TEST_F(EndToEnd, StandInStartsOnlyWithTheLock) {
+    std::filesystem::remove(socket());
+    ProgramRun second{{"--socket", socket()}, "/", [] { ::alarm(5); }};
+    second.program = FERNLOW_STAND_IN;
+    EXPECT_EQ(runProgram(second).status, 1);
+}
+
+/// Each endpoint of the stand-in is reached by a command.
 TEST_F(EndToEnd, ReachesEveryEndpoint) {
-    write("src/main.js", "function greet() {}\n");
-    write("src/logo.png", "");
+    folder_.write("site/src/main.js", "function greet() {}\n");
+    folder_.write("site/src/logo.png", "");
     EXPECT_EQ(read("schema")["endpoints"].size(), 40U);
     std::istringstream lines(R"(
         status; projects; schema; groups; defaults; add .; enable .; watch resume;
@@ -166,7 +197,7 @@ TEST_F(EndToEnd, ReachesEveryEndpoint) {
         collections move --kind buildSteps --id 3 --position 0;
         collections remove --kind hooks --id 2; collections schema; remove .)");
     for (std::string line; std::getline(lines >> std::ws, line, ';');) {
-        const Outcome outcome = run(line, false);
+        const Outcome outcome = run(line);
         EXPECT_EQ(outcome.status, 0) << line << outcome;
     }
 }

@@ -1,5 +1,6 @@
 // Runs the commands and recipes of the pages against the stand-in, and compares what the pages show
 // with what is printed.
+#include "support/command_line.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
 
@@ -13,13 +14,6 @@
 
 namespace fernlow::test {
 namespace {
-
-std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-        text.replace(at, from.size(), to);
-    }
-    return text;
-}
 
 /// A fenced block of a page: the language behind its fence, and its lines.
 struct Block {

@@ -51,6 +51,14 @@ std::string outcome(std::string_view line, const std::string& currentDirectory) 
     }
 }
 
+std::string replaceAll(std::string text, std::string_view piece, std::string_view replacement) {
+    for (std::size_t at = 0; (at = text.find(piece, at)) != std::string::npos;) {
+        text.replace(at, piece.size(), replacement);
+        at += replacement.size();
+    }
+    return text;
+}
+
 Words matches(const std::string& text, const char* pattern) {
     const std::regex regex(pattern);
     Words words;

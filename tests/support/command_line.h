@@ -15,6 +15,9 @@ std::vector<std::string> splitWords(std::string_view line);
 /// "POST /path {body}", "help", "version", or the message of the error that it ends with.
 std::string outcome(std::string_view line, const std::string& currentDirectory = "/p/src");
 
+/// Returns `text` with each occurrence of `piece` replaced.
+std::string replaceAll(std::string text, std::string_view piece, std::string_view replacement);
+
 using Words = std::set<std::string>;
 
 /// What a regular expression's first group matches, anywhere in a text.

@@ -1,8 +1,10 @@
 #include "compiler.h"
 
+#include "confined_files.h"
 #include "project_files.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <tuple>
 
@@ -140,6 +142,7 @@ void reportMissingImports(State& state, const Project& project, const fs::path& 
 } // namespace
 
 void compile(State& state, const Project& project, const fs::path& source) {
+    requireInside(project.folder, source);
     if (!languageOf(source).empty()) {
         reportMissingImports(state, project, source);
         if (!reportFaults(state, project, source, withImports(source))) {
@@ -147,8 +150,7 @@ void compile(State& state, const Project& project, const fs::path& source) {
         }
     }
     if (const auto output = outputPathOf(project, source); output && *output != source) {
-        fs::create_directories(output->parent_path());
-        fs::copy_file(source, *output, fs::copy_options::overwrite_existing);
+        copyInside(project.folder, source, *output);
     }
     Json entry = entryFor(project, source, "success", "Compiled");
     entry["isCompiled"] = true;
@@ -156,17 +158,20 @@ void compile(State& state, const Project& project, const fs::path& source) {
 }
 
 std::vector<fs::path> affectedBy(const Project& project, const std::vector<fs::path>& saved) {
-    const std::vector<fs::path> indexed = indexedPaths(project);
+    std::map<fs::path, std::vector<fs::path>> importers;
+    for (const fs::path& candidate : indexedPaths(project)) {
+        for (const Import& import : importsOf(candidate)) {
+            if (import.file) {
+                importers[*import.file].push_back(candidate);
+            }
+        }
+    }
     std::vector<fs::path> affected = saved;
-    // Grows while it is walked: an importer has importers too.
+    // The list grows during the loop, because an importer has importers too.
     for (std::size_t index = 0; index < affected.size(); ++index) {
-        for (const fs::path& candidate : indexed) {
-            const bool isImporter =
-                std::ranges::any_of(importsOf(candidate), [&](const Import& import) {
-                    return import.file == affected[index];
-                });
-            if (isImporter && std::ranges::find(affected, candidate) == affected.end()) {
-                affected.push_back(candidate);
+        for (const fs::path& importer : importers[affected[index]]) {
+            if (std::ranges::find(affected, importer) == affected.end()) {
+                affected.push_back(importer);
             }
         }
     }
@@ -183,6 +188,7 @@ std::vector<fs::path> filesWithOutput(const Project& project) {
 }
 
 void checkSyntax(State& state, const Project& project, const fs::path& source) {
+    requireInside(project.folder, source);
     if (reportFaults(state, project, source, {source})) {
         state.record(entryFor(project, source, "success", "Checked"));
     }

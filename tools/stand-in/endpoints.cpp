@@ -182,7 +182,18 @@ Json readBody(const Request& request) {
     if (request.method == "GET" && request.body.empty()) {
         return Json::object();
     }
-    Json body = Json::parse(request.body, nullptr, false);
+    constexpr int maxDepth = 1024;
+    bool isTooDeep = false;
+    const auto checkDepth = [&](int depth, Json::parse_event_t event, const Json& /*unused*/) {
+        const bool isContainer =
+            event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
+        isTooDeep = isTooDeep || (isContainer && depth >= maxDepth);
+        return !isTooDeep;
+    };
+    Json body = Json::parse(request.body, checkDepth, false);
+    if (isTooDeep) {
+        throw Refusal("The request is nested too deeply.", 400);
+    }
     if (!body.is_object()) {
         throw Refusal("The request is not a JSON object.", 400);
     }

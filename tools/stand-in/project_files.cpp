@@ -1,10 +1,10 @@
 #include "project_files.h"
 
+#include "confined_files.h"
 #include "settings_catalogue.h"
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 
 namespace fernlow::standin {
 
@@ -45,10 +45,11 @@ std::optional<fs::path> resolveImport(const fs::path& importer, const std::strin
     std::error_code noSuchFolder;
     for (const auto& entry : fs::directory_iterator(target.parent_path(), noSuchFolder)) {
         const fs::path& candidate = entry.path();
+        std::error_code unreadable;
         const bool isNamed = candidate.filename() == target.filename() ||
                              (candidate.extension() == importer.extension() &&
                               stemWithoutUnderscore(candidate) == target.filename());
-        if (isNamed && entry.is_regular_file()) {
+        if (isNamed && entry.is_regular_file(unreadable)) {
             return candidate;
         }
     }
@@ -92,11 +93,13 @@ std::vector<fs::path> indexedPaths(const Project& project, bool includeFolders) 
                                           fs::directory_options::skip_permission_denied);
     for (; walk != fs::recursive_directory_iterator(); ++walk) {
         const fs::path& path = walk->path();
+        std::error_code unreadable;
         const bool isOutput = path == outputRoot(project) && path != sourceFolder(project);
         if (isOutput || project.skippedFolders.contains(path) ||
             path.filename().string().starts_with('.')) {
             walk.disable_recursion_pending();
-        } else if (walk->is_regular_file() || (includeFolders && walk->is_directory())) {
+        } else if (walk->is_regular_file(unreadable) ||
+                   (includeFolders && walk->is_directory(unreadable))) {
             paths.push_back(path);
         }
     }
@@ -174,11 +177,6 @@ Json fileRow(const Project& project, const fs::path& file) {
         row["outputPath"] = output->string();
     }
     return row;
-}
-
-std::string textOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 } // namespace fernlow::standin

@@ -38,7 +38,4 @@ std::optional<fs::path> outputPathOf(const Project& project, const fs::path& fil
 /// A file as the listing shows it.
 Json fileRow(const Project& project, const fs::path& file);
 
-/// All of a file as text; empty when it can't be read.
-std::string textOf(const fs::path& file);
-
 } // namespace fernlow::standin

@@ -147,9 +147,11 @@ const Setting& settingNamed(const std::string& name, const Scope& scope) {
 /// `value` as the setting may hold it; refuses any other.
 Json acceptedValue(const Setting& setting, Json value) {
     const std::string type = typeName(setting.defaultValue);
-    const bool fits = type == "decimal" ? value.is_number()
-                                        : value.type() == setting.defaultValue.type() ||
-                                              (type == "integer" && value.is_number_integer());
+    const auto isText = [](const Json& element) { return element.is_string(); };
+    const bool fits = type == "decimal"   ? value.is_number()
+                      : type == "integer" ? value.is_number_integer()
+                      : type == "list"    ? value.is_array() && std::ranges::all_of(value, isText)
+                                          : value.type() == setting.defaultValue.type();
     if (!fits) {
         throw Refusal("The setting \"" + setting.name + "\" needs a value of type " + type + ".");
     }

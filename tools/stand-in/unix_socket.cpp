@@ -1,5 +1,6 @@
 #include "unix_socket.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -13,19 +14,30 @@ namespace fernlow::standin {
 
 namespace {
 
+/// macOS's limit, which the client applies on every system.
+constexpr std::size_t maxSocketPath = 103;
+
+const std::string& validate(const std::string& path) {
+    if (path.empty() || path.size() > maxSocketPath) {
+        throw std::runtime_error("The socket path must have 1 to " + std::to_string(maxSocketPath) +
+                                 " bytes: " + path);
+    }
+    return path;
+}
+
 sockaddr_un addressOf(const std::string& path) {
     sockaddr_un address{};
-    if (path.empty() || path.size() >= sizeof address.sun_path) {
-        throw std::runtime_error("The socket path must have 1 to " +
-                                 std::to_string(sizeof address.sun_path - 1) + " bytes: " + path);
-    }
     address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.data(), path.size());
+    path.copy(static_cast<char*>(address.sun_path), path.size());
     return address;
 }
 
 [[noreturn]] void throwSystemError(const std::string& path) {
-    throw std::runtime_error("Listening on " + path + " failed: " + std::strerror(errno) + ".");
+    throw std::runtime_error("Using " + path + " failed: " + std::strerror(errno) + ".");
+}
+
+[[noreturn]] void throwInUse(const std::string& path) {
+    throw std::runtime_error("Somebody is already listening on " + path + ".");
 }
 
 int newSocket(const std::string& path) {
@@ -36,6 +48,7 @@ int newSocket(const std::string& path) {
     return descriptor;
 }
 
+/// Removes the socket of a process that has ended. Throws if something else is at `path`.
 void removeStaleSocket(const std::string& path, const sockaddr_un& address) {
     struct stat status{};
     if (lstat(path.c_str(), &status) != 0) {
@@ -45,30 +58,61 @@ void removeStaleSocket(const std::string& path, const sockaddr_un& address) {
         throw std::runtime_error(path + " exists and is not a socket.");
     }
     const int probe = newSocket(path);
-    const bool isAnswered =
-        connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    // Without this, connecting would wait for a process that has stopped accepting.
+    fcntl(probe, F_SETFL, O_NONBLOCK);
+    const int result = connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    const int reason = result == 0 ? EAGAIN : errno;
     close(probe);
-    if (isAnswered) {
-        throw std::runtime_error("Somebody is already listening on " + path + ".");
+    if (reason == EAGAIN) {
+        throwInUse(path);
     }
-    unlink(path.c_str());
+    errno = reason;
+    if (reason != ECONNREFUSED || unlink(path.c_str()) != 0) {
+        throwSystemError(path);
+    }
 }
 
 } // namespace
 
-ListeningSocket::ListeningSocket(const std::string& path) : path_(path) {
+LockFile::LockFile(const std::string& socketPath) : path_(socketPath + ".lock") {
+    for (;;) {
+        descriptor_ =
+            open(path_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+        if (descriptor_ < 0) {
+            throwSystemError(path_);
+        }
+        struct flock wholeFile{};
+        wholeFile.l_type = F_WRLCK;
+        wholeFile.l_whence = SEEK_SET;
+        if (fcntl(descriptor_, F_SETLK, &wholeFile) != 0) {
+            errno == EACCES || errno == EAGAIN ? throwInUse(socketPath) : throwSystemError(path_);
+        }
+        // The previous owner may have removed the file after this process opened it.
+        struct stat locked{};
+        struct stat present{};
+        if (fstat(descriptor_, &locked) == 0 && lstat(path_.c_str(), &present) == 0 &&
+            locked.st_ino == present.st_ino) {
+            return;
+        }
+        close(descriptor_);
+    }
+}
+
+LockFile::~LockFile() {
+    unlink(path_.c_str());
+    close(descriptor_);
+}
+
+ListeningSocket::ListeningSocket(const std::string& path) : path_(validate(path)), lock_(path) {
     const sockaddr_un address = addressOf(path);
     removeStaleSocket(path, address);
     descriptor_ = newSocket(path);
-    // The mask, not a later chmod: the file must at no moment be open to others.
+    // A chmod() after bind() would leave the file open to others for a moment.
     const mode_t previousMask = umask(0177);
     const int bound =
         bind(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     umask(previousMask);
     if (bound != 0 || listen(descriptor_, SOMAXCONN) != 0) {
-        const int reason = errno;
-        close(descriptor_);
-        errno = reason;
         throwSystemError(path);
     }
 }

@@ -4,23 +4,41 @@
 
 namespace fernlow::standin {
 
-/// A listening Unix-domain stream socket that only this user may connect to.
+/// A locked file. The lock ends with the process at the latest, even if the process is killed.
+class LockFile {
+public:
+    /// Creates the file if necessary and locks it for the owner of the socket at `socketPath`.
+    /// Throws std::runtime_error if another process holds the lock or if a system call fails.
+    explicit LockFile(const std::string& socketPath);
+    /// Removes the file and unlocks it.
+    ~LockFile();
+    LockFile(const LockFile&) = delete;
+    LockFile& operator=(const LockFile&) = delete;
+
+private:
+    std::string path_;
+    int descriptor_ = -1;
+};
+
+/// A listening Unix-domain stream socket to which only this user can connect. Its lock file ensures
+/// that of several processes that start at the same time only one replaces a socket that a killed
+/// process left behind.
 class ListeningSocket {
 public:
-    /// Binds and listens at `path`. A socket left behind by a process that is gone is replaced;
-    /// throws std::runtime_error when somebody listens there, when something other than a socket
-    /// is there, or when the system refuses.
+    /// Binds to `path` and listens. Throws std::runtime_error if another process listens there, if
+    /// `path` is a file of another kind, or if a system call fails.
     explicit ListeningSocket(const std::string& path);
-    /// Removes the socket file. The descriptor belongs to whoever serves it.
+    /// Removes the socket file. Does not close the descriptor, which the HTTP server owns.
     ~ListeningSocket();
     ListeningSocket(const ListeningSocket&) = delete;
     ListeningSocket& operator=(const ListeningSocket&) = delete;
 
-    /// The listening descriptor.
+    /// Returns the listening descriptor.
     [[nodiscard]] int descriptor() const { return descriptor_; }
 
 private:
     std::string path_;
+    LockFile lock_;
     int descriptor_ = -1;
 };
 

@@ -95,12 +95,11 @@ Answer process(State& state, const Json& body) {
     return carryOut(state, body, std::move(jobs));
 }
 
-/// Looked at once more where it happens: by then a link may lead elsewhere.
-void emptyBuildFolder(const fs::path& root, const fs::path& project) {
-    const fs::path place = fs::weakly_canonical(root);
-    const fs::path around = fs::weakly_canonical(project);
-    if (place != around && isWithin(place, around)) {
-        fs::remove_all(root);
+/// Removes a build folder, but leaves a link in its place: the build then reports the link instead
+/// of writing through it. remove_all() follows no links.
+void removeBuildFolder(const fs::path& folder) {
+    if (!fs::is_symlink(folder)) {
+        fs::remove_all(folder);
     }
 }
 
@@ -108,9 +107,8 @@ Answer buildProject(State& state, const Json& body) {
     const Project& project = state.projectOf(state.projectAt(body["path"]).folder);
     Job job = {project.folder, "build", compileSteps(state, project, filesWithOutput(project))};
     if (body.value("clean", false) && outputRoot(project) != sourceFolder(project)) {
-        job.steps.insert(job.steps.begin(), [root = outputRoot(project), folder = project.folder] {
-            emptyBuildFolder(root, folder);
-        });
+        job.steps.insert(job.steps.begin(),
+                         [folder = outputRoot(project)] { removeBuildFolder(folder); });
     }
     return carryOut(state, body, {job});
 }
