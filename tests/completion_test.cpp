@@ -16,22 +16,28 @@ namespace fernlow::test {
 
 namespace {
 
-completion::CompletionContext context() {
-    return {CurrentDirectory("/p/src"),
+using completion::PathKind;
+using completion::Shell;
+
+completion::CompletionContext context(Shell shell) {
+    return {shell, "/usr", CurrentDirectory("/p/src"),
             std::chrono::steady_clock::now() + std::chrono::milliseconds(250)};
 }
 
-/// The candidates for the last word of a line (an empty one behind a space) that begin like it.
+/// The candidates that begin with the last word of a line, which is empty behind a space.
 std::string completed(std::string line) {
     const bool isEmpty = line.empty() || line.back() == ' ';
     auto words = splitWords(line);
     words.resize(words.size() + (isEmpty ? 1 : 0));
-    const auto completions = complete(words, words.size() - 1, context());
-    std::string result = completions.files ? "+files" : completions.folders ? "+folders" : "";
+    const auto completions = complete(words, words.size() - 1, context(Shell::zsh));
+    std::string result = completions.paths == PathKind::file     ? "+files"
+                         : completions.paths == PathKind::folder ? "+folders"
+                                                                 : "";
     for (const auto& candidate : completions.candidates) {
         if (candidate.value.starts_with(words.back())) {
             const std::string space = result.empty() ? "" : " ";
             result += space + candidate.value;
+            EXPECT_EQ(candidate.description.find_first_of("\x1B\n"), std::string::npos);
         }
     }
     return result;
@@ -40,7 +46,7 @@ std::string completed(std::string line) {
 std::string bashCompleted(std::string_view before, std::string_view replaced,
                           std::string_view after = " --json; x --no-launch") {
     std::string result;
-    for (const auto& line : completeBashLine({before, after, replaced, "/usr"}, context())) {
+    for (const auto& line : completeBashLine({before, after, replaced}, context(Shell::bash))) {
         result += line + "|";
     }
     return result;
@@ -100,6 +106,10 @@ TEST(Completion, AsksTheApplication) {
         R"({"name":"c","choices":["x"],"group":"g"},{"name":"d","valueType":"text"}])";
     const std::string rows =
         R"({"hooks":[{"id":"7"}],"userLanguages":[{"id":"8","fileExtension":"x y"}],"n":3})";
+    const std::string groups = R"([{"name":"Projects"},{"name":"Frameworks"},{"name":"own"},)"
+                               R"({"name":"shared"},{"name":"shared"}])";
+    const std::string projects =
+        R"([{"path":"/a","name":"\u001b[2J"},{"path":"/f","isFramework":true,"name":"\n"}])";
     struct Case {
         std::string line, result, request, expected;
     };
@@ -109,6 +119,11 @@ TEST(Completion, AsksTheApplication) {
               "A b"},
              {"groups remove --name ", R"([{"name":"A\u202eb"},{"name":7}])", "GET /v1/groups ",
               ""},
+             {"groups remove ", groups, "GET /v1/groups ", "own"},
+             {"groups --name ", groups, "GET /v1/groups ", "own"},
+             {"move --group ", groups, "GET /v1/groups ", "Projects own"},
+             {"move ", projects, "GET /v1/projects ", "/a"},
+             {"disable ", projects, "GET /v1/projects ", "/a /f"},
              {"groups rename ", R"([{"name":"-x"},{"name":"--json"}])", "GET /v1/groups ", ""},
              {"move --group ", R"([{"name":"-x"},{"name":"--json"}])", "GET /v1/groups ", "-x"},
              {"disable ", R"([{"path":"/é"}])", "GET /v1/projects ", "/é"},
@@ -126,6 +141,8 @@ TEST(Completion, AsksTheApplication) {
               R"(POST /v1/collections/schema {"kind":"hooks"})", "c=x"},
              {"collections remove x --id ", rows, R"(POST /v1/collections {"path":"/p/src/x"})",
               "7 8"},
+             {"collections remove --id --kind hooks ", rows,
+              R"(POST /v1/collections {"path":"/p/src","kind":"hooks"})", "7 8"},
              {"settings set --extension ", rows,
               R"(POST /v1/collections {"path":"/p/src","kind":"userLanguages"})", "x y"},
              {"move --group ", "{]", "GET /v1/groups ", ""}}) {
@@ -137,7 +154,7 @@ TEST(Completion, AsksTheApplication) {
     }
 }
 
-TEST(Completion, WaitsForNobody) {
+TEST(Completion, GivesUpOnASlowApplication) {
     const std::string endless(100000, 'x');
     for (const ScriptedPeer::Script& script :
          std::vector<ScriptedPeer::Script>{[](auto& peer) { peer.waitUntilGone(); },
@@ -159,23 +176,23 @@ TEST(Completion, WaitsForNobody) {
     const ScriptedPeer peer({[](auto& silent) { silent.waitUntilGone(); }});
     const auto start = std::chrono::steady_clock::now();
     const std::string engine =
-        "'" + program("libexec/fernlow-complete") + "' words 3 --socket " + peer.path();
+        "'" + program("libexec/fernlow-complete") + "' zsh / 3 --socket " + peer.path();
     EXPECT_EQ(std::system((engine + " remove '' >/dev/null").c_str()), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
-TEST(Completion, SaysNothingOfWhatIsWrong) {
+TEST(Completion, PrintsNothingWhenSomethingIsWrong) {
     const std::string line =
         "d=$(mktemp -d) && cd $d && rmdir $d && '" + program("libexec/fernlow-complete") + "'";
     for (const auto& [arguments, expected] : std::vector<std::pair<std::string, std::string>>{
              {"", "0"},
-             {"words", "0"},
-             {"words -1 status",
+             {"zsh /", "0"},
+             {"zsh / -1 status",
               "nothing\n--json\tPrint the reply as JSON\n--socket\tTalk to another "
               "socket\n--no-launch\tDo not start Fernlow if it is not running\n0"},
-             {"words 4 collections set --kind hooks x", "nothing\n0"},
-             {"words 3 settings set \"$(printf '\\377')=\" ''", "nothing\n0"},
-             {"bash 'fernlow \"ad' '' ad /", "add\n0"}}) {
+             {"zsh / 4 collections set --kind hooks x", "nothing\n0"},
+             {"zsh / 3 settings set \"$(printf '\\377')=\" ''", "nothing\n0"},
+             {"bash / 'fernlow \"ad' '' ad", "add\n0"}}) {
         FILE* const output = ::popen((line + " " + arguments + " 2>&1; printf $?").c_str(), "r");
         std::string text(1000, '\0');
         text.resize(std::fread(text.data(), 1, text.size(), output));
@@ -184,7 +201,7 @@ TEST(Completion, SaysNothingOfWhatIsWrong) {
     }
 }
 
-TEST(Completion, WritesWhatBashPutsInPlace) {
+TEST(Completion, QuotesRepliesForBash) {
     for (const auto& [line, replaced, expected] :
          std::vector<std::tuple<std::string, std::string, std::string>>{
              {"fernlow log\nls sta", "sta", ""},
@@ -225,8 +242,17 @@ TEST(Completion, WritesWhatBashPutsInPlace) {
     for (int number = 0; number < 2500; ++number) {
         many += R"({"name":"n)" + std::to_string(number) + R"("},)";
     }
-    const ScriptedPeer groups({answer(reply(R"({"ok":true,"result":[)" + many + "{}]}"))});
-    EXPECT_EQ(completed("--socket " + groups.path() + " move --group n2499"), "n2499");
+    const std::string longName(500, 'x');
+    for (int number = 0; number < 500; ++number) {
+        many += R"({"name":")" + longName + std::to_string(number) + R"("},)";
+    }
+    many += R"({"name":")" + std::string(513, 'y') + R"("},)";
+    many = reply(R"({"ok":true,"result":[)" + many + "{}]}");
+    const ScriptedPeer groups({answer(many), answer(many), answer(many)});
+    const std::string toGroup = "--socket " + groups.path() + " move --group ";
+    EXPECT_EQ(completed(toGroup + "n2499"), "n2499");
+    EXPECT_EQ(completed(toGroup + "y"), "");
+    EXPECT_EQ(completed(toGroup + "x").size() / 1000, 65U);
     ScriptedPeer unasked({answer(reply(R"({"ok":true,"result":[{"name":"n"}]})"))});
     for (const std::string word : {"$(x)", "\"`x`\"", "*", "$x"}) {
         EXPECT_EQ(

@@ -32,7 +32,12 @@ enum class ValueKind {
     folder,
     /// The first of those that only the application knows.
     project,
+    /// A project that is not a framework, which has a fixed group.
+    movableProject,
+    /// A group that a project can be moved to.
     group,
+    /// A group that a person made, so that it can be changed.
+    userGroup,
     language,
     /// The file extension of a language that a person has defined.
     extension,

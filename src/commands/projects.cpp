@@ -75,9 +75,9 @@ AgentCLIAction parseWatch(CommandLine& line) {
 }
 
 constexpr Text newGroup{"--name", {ValueKind::text, "text"}, "The group, instead of the word"};
-constexpr Text oldGroup{newGroup.word, {ValueKind::group, "text"}, newGroup.summary};
+constexpr Text oldGroup{newGroup.word, {ValueKind::userGroup, "text"}, newGroup.summary};
 constexpr Operand newGroupName{{ValueKind::text, "name"}, true, false, &newGroup};
-constexpr Operand oldGroupName{{ValueKind::group, "name"}, true, false, &oldGroup};
+constexpr Operand oldGroupName{{ValueKind::userGroup, "name"}, true, false, &oldGroup};
 constexpr Operand otherGroupName{{ValueKind::text, "to"}, true};
 
 AgentCLIAction parseGroupList(CommandLine& line) {
@@ -134,6 +134,7 @@ AgentCLIAction parseGroupRename(CommandLine& line) {
     return post("/v1/groups/rename", request);
 }
 
+constexpr Operand movableProject{{ValueKind::movableProject, "path", "this directory"}};
 constexpr Text toGroup{
     "--group", {ValueKind::group, "name", "the permanent Projects group"}, "Which group"};
 
@@ -217,7 +218,7 @@ constexpr auto commands = std::to_array<Command>({
      .parse = parseGroupRename},
     {.word = "move",
      .summary = "Move a project into a group",
-     .operands = operandList<anyProject>,
+     .operands = operandList<movableProject>,
      .options = optionList<toGroup>,
      .parse = parseMove},
     {.word = "rename",

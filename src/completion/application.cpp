@@ -9,7 +9,7 @@ namespace fernlow::completion {
 
 namespace {
 
-/// More than a list to choose from ever is, and parsed in a few hundredths of a second.
+/// In bytes: larger than any real list, and parsed within a few hundredths of a second.
 constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
 
 } // namespace

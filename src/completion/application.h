@@ -11,14 +11,15 @@
 
 namespace fernlow::completion {
 
-/// The running application, asked in passing: an answer that doesn't come in time, or is none, is
-/// no answer, and nobody hears of it. The application is never started.
+/// The running application, for questions whose answer is not essential: one that is late or wrong
+/// counts as missing, without a message. The application is never started.
 class Application {
 public:
     Application(std::string socketPath, std::chrono::steady_clock::time_point deadline)
         : socketPath_(std::move(socketPath)), deadline_(deadline) {}
 
-    /// The "result" of the reply, good until the next question. Never throws but std::bad_alloc.
+    /// Returns the reply's "result", which is valid until the next call. Throws only
+    /// std::bad_alloc.
     std::optional<json::Value> ask(const AgentRequest& request);
 
 private:

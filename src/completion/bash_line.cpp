@@ -3,184 +3,204 @@
 #include "completion/disk_names.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace fernlow::completion {
 
 namespace {
 
-constexpr auto npos = std::string_view::npos;
+bool isOneOf(char character, std::string_view characters) {
+    return characters.find(character) != std::string_view::npos;
+}
 
-/// Reads a command as bash does, a character at a time. What bash will expand is not looked into:
-/// it stands as unknownText in its word, however deep substitutions lie within each other.
-class Splitter {
+struct Word {
+    /// Unquoted.
+    std::string text;
+    /// The offset of the first character on the line.
+    std::size_t start = 0;
+};
+
+/// Reads a command as bash does. Text that bash will expand becomes unknownText.
+class BashLine {
 public:
-    /// Whether the character ended the command, as ";" does.
-    bool read(char character) {
-        if (std::exchange(isAmpersand_, false) && character != '>') {
-            return true;
-        }
-        typed_ += character;
-        const char previous = std::exchange(previous_, isEscaped_ ? '\0' : character);
-        const char within = open_.empty() ? '\0' : open_.back();
-        if (isEscaped_) {
-            isEscaped_ = false;
-            // Between double quotes a backslash is a character of its own in front of most others.
-            if (within == '"' && std::string_view("\"\\$`").find(character) == npos) {
-                put('\\');
-            }
-            put(character);
-        } else if (character == '\\' && (within != '\'' || isAnsiQuote_)) {
-            isEscaped_ = true;
-        } else if (within != '\0' && character == within) {
-            open_.pop_back();
-            isAnsiQuote_ = false;
-        } else if (within == '\'' || !opens(character, previous, within)) {
-            if (!open_.empty()) {
-                put(character);
+    explicit BashLine(std::string_view line) : line_(line) {
+        while (at_ < line_.size() && state_ != State::elsewhere) {
+            const char character = line_[at_++];
+            if (state_ == State::singleQuotes) {
+                readSingleQuoted(character);
+            } else if (state_ == State::doubleQuotes) {
+                readDoubleQuoted(character);
             } else {
-                return readUnquoted(character, previous);
+                readUnquoted(character);
             }
         }
-        return false;
     }
 
-    /// Ends the word at the cursor; what may be left of it belongs to no word.
-    void cut() {
-        isWord_ = true;
-        isRedirection_ = false;
-        endWord();
-        isRest_ = true;
+    /// The words in front of the last one.
+    [[nodiscard]] const std::vector<Word>& words() const { return words_; }
+
+    /// The word at the end of the line, which may be empty.
+    [[nodiscard]] const Word& lastWord() const { return lastWord_; }
+
+    /// The quote that is open at the end of the line, or 0.
+    [[nodiscard]] char openQuote() const {
+        const bool isDouble = state_ == State::doubleQuotes;
+        return isDouble ? '"' : state_ == State::singleQuotes ? '\'' : '\0';
+    }
+
+    /// Whether the last word is the file of a redirection.
+    [[nodiscard]] bool isRedirection() const { return isRedirection_; }
+
+    /// Whether the line ends in a substitution or a comment, or behind the end of the command.
+    [[nodiscard]] bool endsElsewhere() const { return state_ == State::elsewhere; }
+
+private:
+    enum class State { betweenWords, inWord, singleQuotes, doubleQuotes, elsewhere };
+
+    [[nodiscard]] char next() const { return at_ < line_.size() ? line_[at_] : '\0'; }
+
+    void put(char character) {
+        lastWord_.text += character;
+        state_ = state_ == State::betweenWords ? State::inWord : state_;
     }
 
     void endWord() {
-        const bool isWord = isWord_ || !word_.empty();
-        if (isWord && !isRedirection_ && !isRest_) {
-            words_.push_back(word_);
+        if (state_ != State::betweenWords && !std::exchange(isRedirection_, false)) {
+            words_.push_back(lastWord_);
         }
-        isRedirection_ = isRedirection_ && !isWord;
-        isRest_ = false;
-        startWord();
+        lastWord_ = {"", at_};
+        state_ = State::betweenWords;
     }
 
-    /// Those that have ended.
-    [[nodiscard]] const std::vector<std::string>& words() const { return words_; }
-
-    [[nodiscard]] BashLine line() const {
-        const bool isQuote = open_ == "\"" || (open_ == "'" && !isAnsiQuote_);
-        BashLine line{words_,         words_.size(),
-                      typed_,         isQuote ? open_.front() : '\0',
-                      isRedirection_, isAmpersand_ || (!open_.empty() && !isQuote)};
-        line.words.push_back(word_);
-        return line;
-    }
-
-private:
-    void startWord() {
-        word_.clear();
-        typed_.clear();
-        isWord_ = false;
-    }
-
-    /// Adds to the word, unless the character is a part of what is not looked into.
-    void put(char character) {
-        const bool isValue =
-            open_.empty() || (open_.size() == 1 && (open_ == "\"" || open_ == "'"));
-        if (isValue && !isAnsiQuote_) {
-            word_ += character;
-        }
-    }
-
-    /// Whether a quote or a substitution begins there.
-    bool opens(char character, char previous, char within) {
-        const bool isQuoted = within == '"';
-        if (character == '"' && !isQuoted) {
-            isWord_ = true;
-            open_ += '"';
-        } else if (character == '\'' && !isQuoted) {
-            isWord_ = true;
-            isAnsiQuote_ = previous == '$';
-            open_ += '\'';
-        } else if (character == '`') {
-            put(unknownText);
-            open_ += '`';
-        } else if (character == '{' && previous == '$') {
-            open_ += '}';
-        } else if (character == '(' && (!isQuoted || previous == '$')) {
-            // That of "<(" is no redirection.
-            isRedirection_ = isRedirection_ && previous != '<' && previous != '>';
-            put(unknownText);
-            open_ += ')';
+    void readSingleQuoted(char character) {
+        if (character == '\'') {
+            state_ = State::inWord;
         } else {
-            // History is looked up between double quotes too.
-            const bool isExpanded =
-                character == '$' || character == '!' ||
-                (open_.empty() && std::string_view("*?[{").find(character) != npos);
-            if (isExpanded) {
-                put(unknownText);
-            }
-            return isExpanded;
+            put(character);
         }
-        return true;
     }
 
-    bool readUnquoted(char character, char previous) {
-        const bool isOperator = previous == '<' || previous == '>';
-        if (character == ' ' || character == '\t') {
-            endWord();
-        } else if (character == '&' && !isOperator) {
-            // It may be that of "&>".
-            endWord();
-            isAmpersand_ = true;
-        } else if (isOperator && (character == '|' || character == '&')) {
-            // A part of ">|", ">&" and "<&".
-        } else if (std::string_view(";|)\n").find(character) != npos ||
-                   (character == '#' && !isWord_ && word_.empty())) {
-            return true;
-        } else if (character == '<' || character == '>') {
-            // The number of a descriptor, quoted nowhere, belongs to the redirection.
-            if (typed_.find_first_not_of("0123456789") + 1 == typed_.size()) {
-                startWord();
-            }
-            endWord();
-            isRedirection_ = true;
+    void readDoubleQuoted(char character) {
+        if (character == '"') {
+            state_ = State::inWord;
+        } else if (character == '\\' && isOneOf(next(), "\"\\$`")) {
+            readEscaped();
+        } else if (isOneOf(character, "$`!")) {
+            readExpansion(character);
         } else {
-            const bool isHome = character == '~' && (previous == '=' || previous == ':');
-            word_ += isHome ? unknownText : character;
-            return false;
+            put(character);
         }
-        typed_.clear();
-        return false;
     }
 
-    std::vector<std::string> words_;
-    std::string word_;
-    std::string typed_;
-    /// What ends each of the quotes and substitutions that are open.
-    std::string open_;
-    char previous_ = '\0';
-    bool isEscaped_ = false;
-    /// Whether the single quote that is open began as "$'", in which a backslash escapes.
-    bool isAnsiQuote_ = false;
-    /// Whether a word has begun, though it may be empty yet.
-    bool isWord_ = false;
+    void readUnquoted(char character) {
+        if (isOneOf(character, " \t")) {
+            endWord();
+        } else if (character == '\'') {
+            state_ = State::singleQuotes;
+        } else if (character == '"') {
+            state_ = State::doubleQuotes;
+        } else if (character == '\\') {
+            readEscaped();
+        } else if (isOneOf(character, "$`!*?[{(")) {
+            readExpansion(character);
+        } else if (isOneOf(character, "<>") || (character == '&' && next() == '>')) {
+            readRedirection();
+        } else if (isOneOf(character, ";|&)\n") ||
+                   (character == '#' && state_ == State::betweenWords)) {
+            endWord();
+            state_ = State::elsewhere;
+        } else {
+            const bool isHome = character == '~' && at_ > 1 && isOneOf(line_[at_ - 2], "=:");
+            put(isHome ? unknownText : character);
+        }
+    }
+
+    void readEscaped() {
+        if (at_ < line_.size()) {
+            put(line_[at_++]);
+        }
+    }
+
+    void readRedirection() {
+        // The number of a descriptor, quoted nowhere, belongs to the redirection.
+        const std::string_view typed = line_.substr(lastWord_.start, at_ - 1 - lastWord_.start);
+        if (typed.find_first_not_of("0123456789") == std::string_view::npos) {
+            state_ = State::betweenWords;
+        }
+        endWord();
+        while (at_ < line_.size() && isOneOf(next(), "<>&|")) {
+            ++at_;
+        }
+        lastWord_.start = at_;
+        // "<(" and ">(" begin a word instead.
+        isRedirection_ = next() != '(';
+    }
+
+    /// Reads a character that bash will expand, or a whole substitution.
+    void readExpansion(char character) {
+        put(unknownText);
+        const bool isQuoted = state_ == State::doubleQuotes;
+        if (character == '`' || (character == '(' && !isQuoted)) {
+            skipSubstitution(character);
+        } else if (character == '$' && isOneOf(next(), isQuoted ? "({" : "({'")) {
+            skipSubstitution(line_[at_++]);
+        }
+    }
+
+    /// Skips to the character that ends the substitution. Quotes in it are not looked at: where
+    /// bash expands a line, only the program's own words are offered, which need no quotes.
+    void skipSubstitution(char begin) {
+        const char end = begin == '(' ? ')' : begin == '{' ? '}' : begin;
+        std::size_t depth = 1;
+        while (at_ < line_.size()) {
+            const char character = line_[at_++];
+            if (character == '\\') {
+                ++at_;
+            } else if (character == end && --depth == 0) {
+                return;
+            } else if (character == begin) {
+                ++depth;
+            }
+        }
+        state_ = State::elsewhere;
+    }
+
+    std::string_view line_;
+    std::size_t at_ = 0;
+    State state_ = State::betweenWords;
     bool isRedirection_ = false;
-    bool isAmpersand_ = false;
-    /// Whether the word is what the cursor has cut off another.
-    bool isRest_ = false;
+    std::vector<Word> words_;
+    Word lastWord_;
 };
 
-/// The text as bash reads it back, within the quote that is open.
+/// The words of the whole line behind the program's name. The word at the cursor ends there.
+std::vector<std::string> wordsOf(const BashLine& before, const BashRequest& request) {
+    std::vector<std::string> words;
+    for (const Word& word : before.words()) {
+        words.push_back(word.text);
+    }
+    words.push_back(before.lastWord().text);
+    // The space ends the last word.
+    const std::string line =
+        std::string(request.beforeCursor) + std::string(request.afterCursor) + " ";
+    for (const Word& word : BashLine(line).words()) {
+        if (word.start > request.beforeCursor.size()) {
+            words.push_back(word.text);
+        }
+    }
+    words.erase(words.begin());
+    return words;
+}
+
+/// The text as bash reads it back, within the open quote.
 std::string quoted(std::string_view text, char openQuote) {
     std::string result;
     for (const char character : text) {
         if (openQuote == '\'') {
-            result += character == '\'' ? std::string("'\\''") : std::string{character};
-            continue;
-        }
-        const std::string_view special =
-            openQuote == '"' ? "\"\\$`" : " \t\"'\\$`&|;<>(){}[]*?!#~^";
-        if (special.find(character) != std::string_view::npos) {
+            result += character == '\'' ? R"('\')" : "";
+        } else if (isOneOf(character,
+                           openQuote == '"' ? "\"\\$`" : " \t\"'\\$`&|;<>(){}[]*?!#~^")) {
             result += '\\';
         }
         result += character;
@@ -188,97 +208,52 @@ std::string quoted(std::string_view text, char openQuote) {
     return result;
 }
 
-/// Whether bash leaves the quoted text as it is. Between double quotes it would put a command of
-/// its history in place of "!"; and it takes the open quote at either end for the opening or the
-/// closing one.
-bool canStandIn(char openQuote, const std::string& text) {
+/// Whether bash leaves the text unchanged within the open quote. Between double quotes it expands
+/// "!", and it takes that quote at either end of the text for the opening or closing one.
+bool isKeptInQuote(char openQuote, std::string_view text) {
     return openQuote == '\0' || (!text.starts_with(openQuote) && !text.ends_with(openQuote) &&
-                                 (openQuote == '\'' || text.find('!') == std::string::npos));
-}
-
-/// The unquoted form of a part of a word.
-std::string unquoted(std::string_view typed) {
-    Splitter splitter;
-    for (const char character : typed) {
-        splitter.read(character);
-    }
-    return splitter.line().words.back();
+                                 (openQuote == '\'' || !isOneOf('!', text)));
 }
 
 } // namespace
 
-BashLine splitBashLine(std::string_view beforeCursor, std::string_view afterCursor) {
-    Splitter splitter;
-    for (const char character : beforeCursor) {
-        if (splitter.read(character)) {
-            return {{""}, 0, "", '\0', false, true};
-        }
-    }
-    BashLine line = splitter.line();
-    if (line.isElsewhere || line.isRedirection) {
-        return line;
-    }
-    splitter.cut();
-    for (const char character : afterCursor) {
-        if (splitter.read(character)) {
-            break;
-        }
-    }
-    splitter.endWord();
-    line.words = splitter.words();
-    return line;
-}
-
 std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const CompletionContext& context) {
-    const BashLine line = splitBashLine(request.beforeCursor, request.afterCursor);
-    const std::string& word = line.words[line.index];
-    // Of what bash expands itself, only the home folder in front of a path is known.
-    const bool isBelowHome = line.typed.starts_with("~/");
-    if (line.isElsewhere || (line.index == 0 && !line.isRedirection) ||
-        !line.typed.ends_with(request.replaced) || !isKnown(word) ||
-        (line.typed.starts_with('~') && !isBelowHome)) {
+    const BashLine line(request.beforeCursor);
+    const std::string& word = line.lastWord().text;
+    std::string_view kept = request.beforeCursor.substr(line.lastWord().start);
+    const bool isUserHome = kept.starts_with('~') && !kept.starts_with("~/");
+    if (line.endsElsewhere() || (line.words().empty() && !line.isRedirection()) || !isKnown(word) ||
+        isUserHome || !kept.ends_with(request.replaced)) {
         return {};
     }
-    Completions completions{{}, line.isRedirection, false};
-    if (!line.isRedirection) {
-        completions = complete({line.words.begin() + 1, line.words.end()}, line.index - 1, context);
+    Completions completions{{}, PathKind::file};
+    if (line.isRedirection()) {
+        addNamesOnDisk(completions, word, context);
+    } else {
+        completions = complete(wordsOf(line, request), line.words().size() - 1, context);
     }
-    auto& candidates = completions.candidates;
-    if (isBelowHome) {
-        candidates.clear();
-    }
-    const auto isOther = [&](const Candidate& candidate) {
-        return !candidate.value.starts_with(word) || !canStandIn(line.openQuote, candidate.value);
-    };
-    std::erase_if(candidates, isOther);
-    if (candidates.empty() && (completions.files || completions.folders)) {
-        const std::string home(isBelowHome ? request.home : "");
-        const std::string path = home + word.substr(isBelowHome ? 1 : 0);
-        candidates = namesOnDisk(path, completions.files, context.deadline);
-        for (Candidate& candidate : candidates) {
-            candidate.value.replace(0, home.size(), isBelowHome ? "~" : "");
-        }
-        std::erase_if(candidates, isOther);
-    }
-    // What bash leaves of the word stands in front of every candidate.
-    std::string_view kept = line.typed;
+    // bash keeps the beginning of the word, and so the replies must lack it.
     kept.remove_suffix(request.replaced.size());
-    if (line.openQuote != '\0' && kept.ends_with(line.openQuote)) {
+    if (line.openQuote() != '\0' && kept.ends_with(line.openQuote())) {
         kept.remove_suffix(1);
     }
-    const std::size_t start = unquoted(kept).size();
-    const std::string_view home(isBelowHome && start == 0 ? "~" : "");
-    std::vector<std::string> lines;
-    for (const Candidate& candidate : candidates) {
-        const std::string& value = candidate.value;
-        const bool goesOn = value.ends_with('=') || value.ends_with('/');
-        lines.push_back(
-            std::string(home) +
-            quoted(std::string_view(value).substr(start + home.size()), line.openQuote) +
-            (goesOn || line.openQuote != '\0' ? "" : " "));
+    const std::size_t start = BashLine(kept).lastWord().text.size();
+    std::vector<std::string> replies;
+    for (const Candidate& candidate : completions.candidates) {
+        const std::string_view value(candidate.value);
+        if (!value.starts_with(word) || !isKeptInQuote(line.openQuote(), value.substr(start))) {
+            continue;
+        }
+        // A path below the home folder: bash expands only an unquoted "~".
+        const std::string_view home(start == 0 && value.starts_with("~/") ? "~" : "");
+        const bool isComplete =
+            !value.ends_with('=') && !value.ends_with('/') && line.openQuote() == '\0';
+        replies.push_back(std::string(home) +
+                          quoted(value.substr(start + home.size()), line.openQuote()) +
+                          (isComplete ? " " : ""));
     }
-    return lines;
+    return replies;
 }
 
 } // namespace fernlow::completion

@@ -1,11 +1,10 @@
 #include "completion/completion.h"
 
-#include "bytes/utf8.h"
 #include "commands/command_table.h"
 #include "commands/usage_error.h"
+#include "completion/disk_names.h"
 #include "completion/known_values.h"
 #include "json/writer.h"
-#include "terminal/visible_controls.h"
 #include "transport/socket_location.h"
 
 #include <algorithm>
@@ -14,8 +13,6 @@
 namespace fernlow::completion {
 
 namespace {
-
-constexpr std::size_t maxTextLength = 4096;
 
 bool isSetting(ValueKind kind) {
     return kind == ValueKind::setting || kind == ValueKind::defaultSetting ||
@@ -46,28 +43,29 @@ public:
 private:
     [[nodiscard]] const Command& command() const { return line_.before()->command(); }
 
-    /// "help" and "version".
+    /// Whether the command is "help" or "version".
     [[nodiscard]] bool takesNothing() const {
         return command().ignoresOtherWords && command().operands.empty();
     }
 
+    /// Adds a word of the program itself.
     void add(std::string_view value, std::string_view description) {
         completions_.candidates.push_back({std::string(value), std::string(description)});
     }
 
-    /// Unless it is on the line, or in the list, or its contrary is on the line.
+    /// Skips an option that is already typed, already offered, or contradicted by a typed option.
     void addOption(const Option& option) {
-        const auto& there = completions_.candidates;
-        const bool isThere =
-            std::any_of(there.begin(), there.end(),
+        const auto& offered = completions_.candidates;
+        const bool isOffered =
+            std::any_of(offered.begin(), offered.end(),
                         [&](const Candidate& candidate) { return candidate.value == option.word; });
-        if (!isThere && !line_.globals().has(option) &&
-            (line_.before() == nullptr || !isRuledOut(option))) {
+        if (!isOffered && !line_.globals().has(option) &&
+            (line_.before() == nullptr || !isTypedOrContradicted(option))) {
             add(option.word, option.summary);
         }
     }
 
-    [[nodiscard]] bool isRuledOut(const Option& option) const {
+    [[nodiscard]] bool isTypedOrContradicted(const Option& option) const {
         const auto& options = command().options;
         return line_.whole()->find(option) != nullptr ||
                std::any_of(options.begin(), options.end(), [&](const Option* other) {
@@ -124,14 +122,16 @@ private:
             return;
         }
         addOptions(command().required);
-        const bool mayBeLeftOut =
+        // A free text has no candidates, so options may as well follow.
+        const bool mayBeOption =
             operand == nullptr || (!operand->isRequired && operand->value.kind == ValueKind::text);
-        if (mayBeLeftOut && !line_.mayBeSubcommand()) {
+        if (mayBeOption && !line_.mayBeSubcommand()) {
             completions_.candidates.clear();
             addOptions();
         }
     }
 
+    /// The operand that the word being typed is, or null.
     [[nodiscard]] const Operand* currentOperand() const {
         const auto& operands = command().operands;
         if (operands.empty()) {
@@ -139,23 +139,23 @@ private:
         }
         const Operand* const first = operands.front();
         const Operand* const last = operands.back();
-        std::size_t position = line_.before()->remaining().size();
+        std::size_t index = line_.before()->remaining().size();
         if (isSetting(last->value.kind)) {
-            // Settings may stand in front of the file too: a word with "=" is one.
+            // A word with "=" is a setting, and settings may stand in front of the file too.
             if (line_.current().find('=') != std::string::npos) {
                 return last;
             }
             const auto& words = line_.whole()->remaining();
-            position = static_cast<std::size_t>(
+            index = static_cast<std::size_t>(
                 std::count_if(words.begin(), words.end(), [](const std::string& word) {
                     return word.find('=') == std::string::npos;
                 }));
         }
         if (first->option != nullptr && line_.whole()->find(*first->option) != nullptr) {
-            ++position;
+            ++index;
         }
-        if (position < operands.size()) {
-            return operands[position];
+        if (index < operands.size()) {
+            return operands[index];
         }
         return last->repeats ? last : nullptr;
     }
@@ -169,17 +169,21 @@ private:
                 add(choice, "");
             }
         }
-        // A bare folder name would be taken for a subcommand.
+        // The command would take a bare folder name for a subcommand.
         const bool mustLookLikePath = line_.mayBeSubcommand() && !looksLikePath(line_.current());
-        completions_.files = value.kind == ValueKind::file;
-        completions_.folders = !mustLookLikePath && (value.kind == ValueKind::folder ||
-                                                     value.kind == ValueKind::project);
+        if (value.kind == ValueKind::file) {
+            completions_.paths = PathKind::file;
+        } else if (!mustLookLikePath &&
+                   (value.kind == ValueKind::folder || value.kind == ValueKind::project ||
+                    value.kind == ValueKind::movableProject)) {
+            completions_.paths = PathKind::folder;
+        }
         if (value.kind >= ValueKind::project && mayAsk_) {
             addKnownValues(value.kind);
         }
     }
 
-    /// Every choice behind those that are in the list already.
+    /// Adds each choice that the typed list lacks, behind the typed list.
     void addListChoices(const ValueDescription& value) {
         const std::size_t comma = line_.current().rfind(',');
         const std::string start =
@@ -197,41 +201,38 @@ private:
         if (socket == nullptr) {
             return defaultSocketPath();
         }
-        // The shell will expand it when the line is run, but hasn't yet.
+        // The shell expands a "~" only when it runs the line.
         return socket->starts_with('~') ? resolvePath(*socket, context_.currentDirectory) : *socket;
     }
 
-    /// Whether the command would take the word for what it is: not for an option.
-    [[nodiscard]] bool mayBeGiven(const std::string& value) const {
+    /// Whether the command would read the word as a value, not as an option.
+    [[nodiscard]] bool isReadAsValue(const std::string& word) const {
         const auto globals = GlobalOptions::all();
         const bool isGlobal =
             std::any_of(globals.begin(), globals.end(),
-                        [&](const Option* option) { return option->word == value; });
+                        [&](const Option* option) { return option->word == word; });
         const bool isOperand = line_.awaiting() == nullptr;
-        return !value.empty() && !isGlobal && !(isOperand && value.starts_with('-'));
+        return !word.empty() && !isGlobal && !(isOperand && word.starts_with('-'));
     }
 
     void addKnownValues(ValueKind kind) {
         try {
             Application application(socketPath(), context_.deadline);
-            const auto known = knownValues(kind, line_, context_.currentDirectory, application);
-            // Those that begin like what is typed come first, lest the others leave them no room.
-            for (const bool fits : {true, false}) {
-                for (const auto& [value, description] : known) {
-                    if (value.starts_with(line_.current()) == fits && mayBeGiven(value) &&
-                        completions_.candidates.size() < maxCandidates && isHarmless(value)) {
-                        add(value, isHarmless(description) ? description : "");
-                        // The same folder twice would leave the word open, and a project is meant.
-                        completions_.folders = completions_.folders && !fits;
-                    }
-                }
+            auto known = knownValues(kind, line_, context_.currentDirectory, application);
+            std::erase_if(known, [this](const Candidate& candidate) {
+                return !isReadAsValue(candidate.value);
+            });
+            auto& candidates = completions_.candidates;
+            const std::size_t count = candidates.size();
+            addNames(candidates, known, "", line_.current(), context_.shell);
+            // A project would be offered a second time as a folder, and Tab would not complete it.
+            if (candidates.size() > count && candidates[count].value.starts_with(line_.current())) {
+                completions_.paths = PathKind::none;
             }
         } catch (const json::EncodingError&) {
             // A word of the line is not UTF-8.
-            return;
         } catch (const CurrentDirectoryError&) {
-            // No project to ask about.
-            return;
+            // There is no project to ask about.
         }
     }
 
@@ -247,28 +248,18 @@ bool isKnown(const std::string& word) {
     return word.find(unknownText) == std::string::npos;
 }
 
-bool isHarmless(const std::string& text) {
-    const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
-        return static_cast<unsigned char>(character) < ' ';
-    });
-    return text.size() <= maxTextLength && !hasControl && utf8::isWellFormed(text) &&
-           !withVisibleControls(text);
-}
-
-std::string_view shellsOwn(const Completions& completions) {
-    if (completions.files) {
-        return "files";
-    }
-    return completions.folders ? "folders" : "nothing";
-}
-
 Completions complete(const std::vector<std::string>& words, std::size_t index,
                      const CompletionContext& context) {
     try {
         const TypedLine line(words, index, context.currentDirectory);
-        // An answer about another project, or from another socket, would be a wrong one.
+        // With an unknown word, the answer could be about another project, or from another socket.
         const bool mayAsk = std::all_of(words.begin(), words.end(), isKnown);
-        return Completer(line, mayAsk, context).complete();
+        Completions completions = Completer(line, mayAsk, context).complete();
+        if (!mayAsk && context.shell == Shell::bash) {
+            completions.paths = PathKind::none;
+        }
+        addNamesOnDisk(completions, line.current(), context);
+        return completions;
     } catch (const AgentCLIUsageError&) {
         return {};
     }

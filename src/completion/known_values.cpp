@@ -6,6 +6,7 @@
 #include "commands/settings.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace fernlow::completion {
@@ -14,13 +15,13 @@ namespace {
 
 using Candidates = std::vector<Candidate>;
 
-/// What was given with an option, as it was typed.
+/// The value that was given with an option, as typed.
 std::optional<std::string> given(const TypedLine& line, const Option& option) {
     const std::string* const text = line.whole()->find(option);
     return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
-/// The project that the command would ask about.
+/// The path of the project that the command would ask about.
 std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDirectory) {
     if (const auto path = given(line, options::inProject)) {
         return resolvePath(*path, currentDirectory);
@@ -58,18 +59,37 @@ std::vector<json::Member> membersOf(const std::optional<json::Object>& object) {
     return members;
 }
 
-/// One candidate a row: the text in one of its members, described by that in another.
-Candidates listed(const std::optional<json::Value>& result, std::string_view value,
-                  std::string_view description) {
+Candidates projects(ValueKind kind, Application& application) {
+    const auto result = get(application, "/v1/projects");
     Candidates candidates;
     for (const json::Object row : rowsOf(result)) {
-        candidates.push_back({std::string(row.text(value)), std::string(row.text(description))});
+        if (kind == ValueKind::project || !row.boolean("isFramework")) {
+            candidates.push_back({std::string(row.text("path")), std::string(row.text("name"))});
+        }
     }
     return candidates;
 }
 
+/// Leaves out groups that the application would refuse. The groups Projects and Frameworks are its
+/// own: nobody can change them or move a project to Frameworks. A name that two groups share could
+/// mean either.
+Candidates groups(ValueKind kind, Application& application) {
+    const auto result = get(application, "/v1/groups");
+    Candidates candidates;
+    std::map<std::string, int> uses;
+    for (const json::Object row : rowsOf(result)) {
+        candidates.push_back({std::string(row.text("name")), std::string(row.text("path"))});
+        ++uses[candidates.back().value];
+    }
+    std::erase_if(candidates, [&](const Candidate& group) {
+        return uses[group.value] > 1 || group.value == "Frameworks" ||
+               (kind == ValueKind::userGroup && group.value == "Projects");
+    });
+    return candidates;
+}
+
 Candidates languages(Application& application) {
-    // Of the defaults, because they can be had without a project.
+    // The defaults name every language without needing a project.
     const auto result = get(application, "/v1/defaults");
     const auto defaults = result ? result->object() : std::nullopt;
     Candidates candidates;
@@ -91,7 +111,7 @@ Candidates cursor(Application& application) {
     return candidates;
 }
 
-/// What a row of a collection is, for a person.
+/// Describes a row of a collection for a person.
 std::string describeRow(std::string_view kind, const json::Object& row) {
     std::string description(kind);
     const auto values = row.object("values");
@@ -105,7 +125,7 @@ std::string describeRow(std::string_view kind, const json::Object& row) {
     return description;
 }
 
-/// The rows of the project's collections, by one of their members.
+/// Makes a candidate of each row of the project's collections, from the member of that name.
 Candidates rows(std::string_view member, const std::optional<AgentCollectionKind>& kind,
                 const std::string& project, Application& application) {
     const auto result =
@@ -169,7 +189,7 @@ std::string describeSetting(const json::Object& row) {
     return text.empty() ? description : description + ", " + text + " by default";
 }
 
-/// What may follow "key=".
+/// The values that a setting may have, behind its name and "=".
 Candidates valuesOf(const json::Object& row) {
     const std::string start = std::string(row.text("name")) + "=";
     Candidates candidates;
@@ -185,9 +205,9 @@ Candidates valuesOf(const json::Object& row) {
     return candidates;
 }
 
-/// Whether the command can change the setting. Without --language the schema tells of every
-/// language's settings, and always of rows in lists that no option names.
-bool isMeant(const json::Object& row, ValueKind kind, const TypedLine& line) {
+/// Whether the command can change the setting. Without --language the schema has the settings of
+/// every language, and it always has the settings of rows in collections.
+bool isChangeable(const json::Object& row, ValueKind kind, const TypedLine& line) {
     if (kind == ValueKind::rowSetting || kind == ValueKind::fileSetting) {
         return true;
     }
@@ -204,7 +224,7 @@ Candidates settings(ValueKind kind, const TypedLine& line, const CurrentDirector
     for (const json::Object row :
          rowsOf(settingsSchema(kind, line, currentDirectory, application))) {
         const std::string name(row.text("name"));
-        if (!isMeant(row, kind, line) || name.empty()) {
+        if (!isChangeable(row, kind, line) || name.empty()) {
             continue;
         }
         if (hasKey && name == key(line.current())) {
@@ -225,10 +245,12 @@ std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
                                    const CurrentDirectory& currentDirectory,
                                    Application& application) {
     switch (kind) {
-    case ValueKind::group:
-        return listed(get(application, "/v1/groups"), "name", "path");
     case ValueKind::project:
-        return listed(get(application, "/v1/projects"), "path", "name");
+    case ValueKind::movableProject:
+        return projects(kind, application);
+    case ValueKind::group:
+    case ValueKind::userGroup:
+        return groups(kind, application);
     case ValueKind::language:
         return languages(application);
     case ValueKind::logCursor:

@@ -8,9 +8,9 @@
 
 namespace fernlow::completion {
 
-/// What the application knows of values of that kind, for the line that is being typed; empty when
-/// it doesn't answer, or for kinds that it doesn't know. Settings are "key=", or "key=value" once a
-/// key is typed.
+/// Asks the application for values of the kind that fit the line being typed. Returns none where
+/// the application does not answer, or for a kind that it does not know. A setting is "key=", or
+/// "key=value" once a key is typed. Throws json::EncodingError and CurrentDirectoryError.
 std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
                                    const CurrentDirectory& currentDirectory,
                                    Application& application);

@@ -1,12 +1,14 @@
-// fernlow-complete: what the shells ask when somebody presses Tab. Not for people: it prints lines
-// for the files in completions/, says nothing when something is wrong, and always ends with 0.
+// fernlow-complete: the program that the shells run when somebody presses Tab. It is not for
+// people: it prints lines for the files in completions/, prints nothing when something is wrong,
+// and always ends with status 0.
 //
-//     fernlow-complete words INDEX [WORD...]
-//     fernlow-complete fish INDEX [WORD...]
-//     fernlow-complete bash BEFORE AFTER REPLACED HOME
+//     fernlow-complete bash HOME BEFORE AFTER REPLACED
+//     fernlow-complete fish HOME INDEX [WORD...]
+//     fernlow-complete zsh HOME INDEX [WORD...]
 //
-// Each line is a candidate, followed by a tab and its description where the shell shows one. But
-// for bash a line in front of them names the shell's own completions that are wanted too.
+// HOME is the folder that the shell puts in place of "~". Each line is a candidate; for fish and
+// zsh, a tab and its description follow. zsh lists names on the disk itself: a line in front of the
+// candidates is "files", "folders" or "nothing".
 #include "bytes/number.h"
 #include "completion/bash_line.h"
 #include "completion/completion.h"
@@ -22,13 +24,14 @@ namespace {
 using namespace fernlow;
 using namespace fernlow::completion;
 
-/// A shell waits for half a second in all, starting this program included.
-constexpr std::chrono::milliseconds patience(350);
+/// Leaves a shell time to show the candidates within half a second, starting this program included.
+constexpr std::chrono::milliseconds timeout(300);
 
-std::string completeWords(const std::vector<std::string>& arguments,
-                          const CompletionContext& context) {
-    const auto index = number::readInteger(arguments.at(1)).value_or(0);
-    std::vector<std::string> words(arguments.begin() + 2, arguments.end());
+using Lines = std::vector<std::string>;
+
+Lines completeWords(const Lines& arguments, const CompletionContext& context) {
+    const auto index = number::readInteger(arguments.at(2)).value_or(0);
+    Lines words(arguments.begin() + 3, arguments.end());
     for (std::string& word : words) {
         // The shell has taken the quotes off, but expanded nothing.
         if (&word - words.data() != index && word.find_first_of("$`(*?") != std::string::npos) {
@@ -36,43 +39,48 @@ std::string completeWords(const std::vector<std::string>& arguments,
         }
     }
     const auto completions = complete(words, static_cast<std::size_t>(index), context);
-    std::string text(shellsOwn(completions));
-    const bool isFish = arguments.front() == "fish";
-    for (const Candidate& candidate : completions.candidates) {
-        // fish quotes all but this, and makes a home folder of it.
-        if (isFish && candidate.value.starts_with('~')) {
-            continue;
-        }
-        text += "\n" + candidate.value + "\t" + candidate.description;
+    Lines lines;
+    if (context.shell == Shell::zsh) {
+        const bool isNone = completions.paths == PathKind::none;
+        lines.emplace_back(isNone                                ? "nothing"
+                           : completions.paths == PathKind::file ? "files"
+                                                                 : "folders");
     }
-    return text;
+    for (const auto& [value, description] : completions.candidates) {
+        lines.push_back(value + "\t" + description);
+    }
+    return lines;
 }
 
-std::string completeBash(const std::vector<std::string>& arguments,
-                         const CompletionContext& context) {
-    std::string text;
-    for (const std::string& line : completeBashLine(
-             {arguments.at(1), arguments.at(2), arguments.at(3), arguments.at(4)}, context)) {
-        text += text.empty() ? line : "\n" + line;
-    }
-    return text;
+Lines completeBash(const Lines& arguments, const CompletionContext& context) {
+    return completeBashLine({arguments.at(2), arguments.at(3), arguments.at(4)}, context);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     platform::protectRelocations();
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    // Where there isn't even the memory for throwing.
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    // Throwing an exception needs memory too.
     std::set_terminate([] { ::_exit(0); });
     try {
-        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-        const CompletionContext context{CurrentDirectory::ofProcess(), deadline};
-        const bool isBash = !arguments.empty() && arguments.front() == "bash";
-        static_cast<void>(writeLine(STDOUT_FILENO, isBash ? completeBash(arguments, context)
-                                                          : completeWords(arguments, context)));
+        const Lines arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+        const std::string& shell = arguments.at(0);
+        const CompletionContext context{shell == "bash"   ? Shell::bash
+                                        : shell == "fish" ? Shell::fish
+                                                          : Shell::zsh,
+                                        arguments.at(1), CurrentDirectory::ofProcess(), deadline};
+        std::string text;
+        for (const std::string& line : context.shell == Shell::bash
+                                           ? completeBash(arguments, context)
+                                           : completeWords(arguments, context)) {
+            text += text.empty() ? line : "\n" + line;
+        }
+        if (!text.empty()) {
+            static_cast<void>(writeLine(STDOUT_FILENO, text));
+        }
     } catch (const std::exception&) {
-        // Too few arguments, or too little memory: no candidates.
+        // There are too few arguments, or too little memory.
         return 0;
     }
     return 0;

@@ -11,7 +11,7 @@ namespace fernlow::completion {
 
 namespace {
 
-CommandLine understood(std::vector<std::string> words, const CurrentDirectory& currentDirectory) {
+CommandLine parsed(std::vector<std::string> words, const CurrentDirectory& currentDirectory) {
     CommandLine line(std::move(words), currentDirectory);
     line.takeSubcommand();
     return line;
@@ -24,26 +24,26 @@ TypedLine::TypedLine(std::vector<std::string> words, std::size_t index,
     index = std::min(index, words.size());
     words.resize(std::max(words.size(), index + 1));
     current_ = words[index];
-    std::vector<std::string> behind(words.begin() + static_cast<std::ptrdiff_t>(index) + 1,
-                                    words.end());
+    std::vector<std::string> after(words.begin() + static_cast<std::ptrdiff_t>(index) + 1,
+                                   words.end());
     words.resize(index);
 
     globals_.take(words);
     awaiting_ = globals_.lackSocketPath() ? &options::socket : nullptr;
-    globals_.take(behind);
+    globals_.take(after);
     if (words.empty()) {
         return;
     }
-    before_ = understood(words, currentDirectory);
+    before_ = parsed(words, currentDirectory);
     if (awaiting_ == nullptr && before_->unfinishedOption() != nullptr) {
         awaiting_ = before_->unfinishedOption();
-        words.pop_back();
+        words.push_back(current_);
     }
-    words.insert(words.end(), behind.begin(), behind.end());
+    words.insert(words.end(), after.begin(), after.end());
     try {
-        whole_ = understood(std::move(words), currentDirectory);
+        whole_ = parsed(std::move(words), currentDirectory);
     } catch (const AgentCLIUsageError&) {
-        // The subcommand is still being typed, and what stands behind it is taken for one.
+        // The subcommand is still being typed, and a word after the cursor is taken for it.
         whole_ = before_;
     }
 }
