@@ -1,5 +1,6 @@
 #include "support/outcomes.h"
 #include "support/process.h"
+#include "support/refused_call.h"
 #include "support/scripted_peer.h"
 #include "transport/connection.h"
 #include "transport/http.h"
@@ -66,7 +67,7 @@ TEST(Exchange, FramesReplies) {
     }
 }
 
-TEST(Exchange, FindsNobodyListening) {
+TEST(Exchange, ReportsThatNothingListens) {
     const TemporaryFolder folder;
     ::close(::open(folder.file("regular").c_str(), O_CREAT | O_WRONLY, 0600));
     ScriptedPeer peer({answerDone()});
@@ -74,7 +75,7 @@ TEST(Exchange, FindsNobodyListening) {
     peer.requests();
     const std::string abandoned = peer.path();
 #ifdef __linux__
-    // An abstract address of nothing but zero bytes is what an empty path would reach here.
+    // An empty path would reach this listener, whose abstract address consists of zero bytes.
     const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un nameless{};
     nameless.sun_family = AF_UNIX;
@@ -90,21 +91,21 @@ TEST(Exchange, FindsNobodyListening) {
 #endif
 }
 
-TEST(Exchange, FindsNobodyWhereItHasNoPermission) {
+TEST(Exchange, ReportsThatNothingListensIfPermissionIsDenied) {
     ScriptedPeer peer({answerDone()});
     ::chmod(peer.path().c_str(), 0);
-    // Root is never refused, so it becomes nobody for a while.
+    // Root is never refused, so root becomes the user "nobody" for the run.
     const uid_t user = ::geteuid();
     const bool canBeRefused = user != 0 || ::seteuid(65534) == 0;
     const Outcome outcome = runAgainst(peer, "status");
     ASSERT_EQ(::seteuid(user), 0);
     if (!canBeRefused) {
-        GTEST_SKIP() << "this root can't become somebody who would be refused";
+        GTEST_SKIP() << "this root cannot become another user";
     }
     EXPECT_EQ(outcome, notRunning);
 }
 
-TEST(Exchange, WaitsAsLongAsTheRequestMayTakeAndThirtySeconds) {
+TEST(Exchange, WaitsThirtySecondsLongerThanTheRequestsTimeout) {
     const struct {
         std::string_view body;
         long seconds;
@@ -122,7 +123,7 @@ TEST(Exchange, WaitsAsLongAsTheRequestMayTakeAndThirtySeconds) {
     }
 }
 
-/// Stops the program and continues it, about every millisecond for as long as it runs.
+/// Stops the program and continues it about every millisecond, until it ends.
 void stopAndContinue() {
     const pid_t program = ::getpid();
     if (::fork() != 0) {
@@ -137,7 +138,7 @@ void stopAndContinue() {
     ::_exit(0);
 }
 
-TEST(Exchange, GoesOnWhenStoppedAndContinued) {
+TEST(Exchange, LosesNothingWhenStoppedAndContinued) {
     const auto pause = [](const Connection& /*connection*/) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     };
@@ -165,7 +166,40 @@ TEST(Exchange, GoesOnWhenStoppedAndContinued) {
     EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "connecting";
 }
 
-TEST(Exchange, NeverUsesAStandardStreamsNumber) {
+TEST(Exchange, LimitsTheWaitWhileTheQueueIsFull) {
+    const auto holdForTwoSeconds = [](Connection& connection) {
+        for (int milliseconds = 0; milliseconds < 2000 && !connection.isGone(); ++milliseconds) {
+        }
+    };
+    ScriptedPeer peer({holdForTwoSeconds, holdForTwoSeconds, answerDone()});
+    const fernlow::Connection served(peer.path(), std::chrono::seconds(9));
+    const fernlow::Connection queued(peer.path(), std::chrono::seconds(9));
+    const auto expectNotRunning = [&] {
+        EXPECT_EQ(runAgainst(peer, "files skip --timeout -100 vendor", shortTimeout), notRunning);
+    };
+    expectNotRunning();
+#ifdef __linux__
+    std::thread([&] {
+        // The limit itself is refused.
+        refuseCall(SYS_setsockopt, SOL_SOCKET);
+        expectNotRunning();
+    }).join();
+#endif
+}
+
+#ifdef __linux__
+TEST(Exchange, UsesNoSocketThatCannotBePrepared) {
+    for (const unsigned command : {F_SETFD, F_SETFL}) {
+        std::thread([command] {
+            const ScriptedPeer peer({answerDone()});
+            refuseCall(SYS_fcntl, command);
+            EXPECT_EQ(runAgainst(peer, "status"), notRunning) << command;
+        }).join();
+    }
+}
+#endif
+
+TEST(Exchange, LeavesTheNumbersOfClosedStandardStreamsUnused) {
     ScriptedPeer peer({[](Connection& connection) { connection.waitUntilGone(); }});
     const std::string path = peer.path();
     const pid_t child = ::fork();

@@ -5,9 +5,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pthread.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <string>
 #include <thread>
@@ -17,11 +20,11 @@ namespace {
 
 using Connection = ScriptedPeer::Connection;
 
-/// More than a socket takes when it is sent, where each byte is written as six, and little enough
-/// for a command line.
+/// A path short enough for a command line, but too long for a socket's buffer: each of its bytes is
+/// sent as six.
 const std::string longPath(130000, '\x01');
 
-/// Megabytes of blanks after a reply's end.
+/// Sends megabytes of blanks after the end of a reply.
 ScriptedPeer::Script flood(int megabytes) {
     return [megabytes](Connection& connection) {
         connection.readRequest();
@@ -32,9 +35,9 @@ ScriptedPeer::Script flood(int megabytes) {
     };
 }
 
-TEST(HostilePeer, IsReadToItsEndButNotForEver) {
+TEST(HostilePeer, IsReadToTheEndUpToALimit) {
     const struct {
-        const char* what;
+        const char* behaviour;
         ScriptedPeer::Script script;
         Outcome expected;
     } cases[] = {
@@ -55,31 +58,29 @@ TEST(HostilePeer, IsReadToItsEndButNotForEver) {
         {"answers 50 MB", flood(50), done},
         {"never stops", flood(300), malformed},
     };
-    for (const auto& [what, script, expected] : cases) {
+    for (const auto& [behaviour, script, expected] : cases) {
         ScriptedPeer peer({script});
-        EXPECT_EQ(runAgainst(peer, "status"), expected) << what;
+        EXPECT_EQ(runAgainst(peer, "status"), expected) << behaviour;
     }
 }
 
 TEST(HostilePeer, IsGivenUpWhenItStalls) {
-    const auto stall = [](const ScriptedPeer::Script& script, const std::string& path,
-                          const Outcome& expected) {
-        ScriptedPeer peer({[&script](Connection& connection) {
+    const struct {
+        ScriptedPeer::Script script;
+        std::string path;
+        Outcome expected;
+    } cases[] = {
+        {answer(""), "vendor", readFailed},
+        {answer("HTTP/1.1 200 OK\r\n\r\n{\"ok\":"), "vendor", readFailed},
+        {[](Connection& connection) { connection.awaitFirstByte(); }, longPath, writeFailed},
+    };
+    for (const auto& [script, path, expected] : cases) {
+        ScriptedPeer peer({[&script = script](Connection& connection) {
             script(connection);
             connection.waitUntilGone();
         }});
-        // Of all commands this one lets the timeout be negative, and the socket's is never under 5.
-        EXPECT_EQ(runAgainst(peer, "files skip --timeout -100 " + path), expected);
-    };
-    std::thread runs[] = {
-        std::thread(stall, answer(""), "vendor", readFailed),
-        std::thread(stall, answer("HTTP/1.1 200 OK\r\n\r\n{\"ok\":"), "vendor", readFailed),
-        std::thread(
-            stall, [](Connection& connection) { connection.awaitFirstByte(); }, longPath,
-            writeFailed),
-    };
-    for (std::thread& run : runs) {
-        run.join();
+        // No other command accepts a negative timeout.
+        EXPECT_EQ(runAgainst(peer, "files skip --timeout -100 " + path, shortTimeout), expected);
     }
 }
 
@@ -87,19 +88,46 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
     struct sigaction interrupting{};
     interrupting.sa_handler = [](int /*signal*/) {};
     ::sigaction(SIGUSR1, &interrupting, nullptr);
-    ScriptedPeer peer({[client = ::pthread_self()](Connection& connection) {
-        connection.readRequest();
+    const auto interrupt = [client = ::pthread_self()] {
         for (int count = 0; count < 50; ++count) {
             ::pthread_kill(client, SIGUSR1);
             ::usleep(1000);
         }
-        connection.write(reply(R"({"ok":true})"));
-    }});
-    EXPECT_EQ(runAgainst(peer, "status"), done);
+    };
+    // The output is a pipe that cannot hold the whole text and is read late.
+    const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
+    for (const int outputFlags : {0, O_NONBLOCK}) {
+        std::array<int, 2> pipe{};
+        ASSERT_EQ(::pipe(pipe.data()), 0);
+        ASSERT_EQ(::fcntl(pipe[1], F_SETFL, outputFlags), 0);
+        const ScriptedPeer peer({[&](Connection& connection) {
+            connection.readRequest();
+            interrupt();
+            connection.write(reply(body));
+        }});
+        std::string output;
+        std::thread reader([&] {
+            pollfd waiting{pipe[0], POLLIN, 0};
+            ::poll(&waiting, 1, -1);
+            interrupt();
+            std::array<char, 65536> buffer{};
+            for (ssize_t count = 1; count > 0;) {
+                count = ::read(pipe[0], buffer.data(), buffer.size());
+                output.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+            }
+        });
+        EXPECT_EQ(runAgentCLI({"status", "--no-launch", "--socket", peer.path()},
+                              CurrentDirectory("/"), false, {pipe[1], STDERR_FILENO}),
+                  0);
+        ::close(pipe[1]);
+        reader.join();
+        ::close(pipe[0]);
+        EXPECT_TRUE(output == body + "\n") << output.size();
+    }
 }
 
-// A path is shown again with each of its issues: 390 kB of reply would be 9 GB of text.
-TEST(HostilePeer, IsNotShownWithoutEnd) {
+// The path is shown with each of its issues: 390 kB of reply would become 9 GB of text.
+TEST(HostilePeer, CannotMakeTheTextGrowWithoutLimit) {
     std::string issues = "{}";
     for (int count = 0; count < 100000; ++count) {
         issues += ",{}";
@@ -121,7 +149,7 @@ int openDescriptors() {
     return open;
 }
 
-TEST(HostilePeer, CostsNoDescriptor) {
+TEST(HostilePeer, LeavesNoDescriptorOpen) {
     const int before = openDescriptors();
     {
         const auto reset = [](Connection& connection) { connection.awaitFirstByte(); };

@@ -1,22 +1,20 @@
 #include "cli/invocation.h"
 #include "support/outcomes.h"
 #include "support/process.h"
+#include "support/refused_call.h"
 #include "support/scripted_peer.h"
+#include "transport/connection.h"
 #include "transport/socket_location.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#ifdef __linux__
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
-#endif
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -27,26 +25,26 @@ namespace {
 using namespace std::chrono_literals;
 using Connection = ScriptedPeer::Connection;
 
-constexpr const char* nobody = "/no/such/socket";
+constexpr const char* missingSocket = "/no/such/socket";
 
-/// A script in place of the program that starts the application. It notes how it was called.
+/// A script that replaces the program that starts the application. It records its calls.
 class Opener {
 public:
-    /// `body` is what else the script does, in its own folder.
+    /// The script first runs `body` in its own folder.
     explicit Opener(const std::string& body = "") {
-        std::ofstream(folder_.file("open"))
-            << "#!/bin/sh\nfrom=$(pwd)\ncd '" << folder_.path() << "'\n"
-            << body << "\necho \"$from: $@\" >>calls\n";
-        ::chmod(folder_.file("open").c_str(), 0700);
+        std::ofstream(file("open")) << "#!/bin/sh\nfrom=$(pwd)\ncd '" << folder_.path() << "'\n"
+                                    << body << "\necho \"$from: $@\" >>calls\n";
+        ::chmod(file("open").c_str(), 0700);
     }
 
-    /// A run that has this script start the application.
+    /// Runs a line that starts the application with this script.
     [[nodiscard]] Outcome run(const std::string& socketPath,
-                              std::chrono::milliseconds timeout = 20s) const {
-        return runLine("status --socket " + socketPath, {folder_.file("open"), 10ms, timeout});
+                              std::chrono::milliseconds launchTimeout = 20s) const {
+        return runLine("status --socket " + socketPath, {file("open"), 10ms, launchTimeout});
     }
-    [[nodiscard]] bool wasCalled() const { return std::filesystem::exists(folder_.file("calls")); }
-    [[nodiscard]] std::string noted(const std::string& name) const {
+    [[nodiscard]] bool wasCalled() const { return std::filesystem::exists(file("calls")); }
+    [[nodiscard]] std::string file(const std::string& name) const { return folder_.file(name); }
+    [[nodiscard]] std::string contents(const std::string& name) const {
         return folder_.contents(name);
     }
 
@@ -54,40 +52,32 @@ private:
     TemporaryFolder folder_;
 };
 
-/// A run against a peer that starts once the opener has been called, as the application would.
-Outcome runAndStart(ScriptedPeer& peer, const Opener& opener) {
-    std::thread starter([&] {
-        while (!opener.wasCalled()) {
-            std::this_thread::sleep_for(5ms);
-        }
-        peer.start();
-    });
-    Outcome outcome = opener.run(peer.path());
-    starter.join();
-    return outcome;
+/// Serves the client's test connection, which sends no request.
+void serveProbe(Connection& connection) {
+    connection.readRequest();
 }
 
-TEST(Launch, StartsTheApplicationOnceAndTriesAgain) {
-    // The first connection is the probe, which closes without a request.
-    const ScriptedPeer::Script probe = [](Connection& c) { c.readRequest(); };
+TEST(Launch, CallsTheOpenerOnceAndRepeatsTheRequestOnce) {
     const ScriptedPeer::Script reset = [](Connection& c) { c.awaitFirstByte(); };
     for (const bool answers : {true, false}) {
-        const Opener opener;
-        ScriptedPeer peer(ScriptedPeer::Later{}, {probe, answers ? answerDone() : reset});
-        EXPECT_EQ(runAndStart(peer, opener), answers ? done : afterReset);
-        // On Linux it's not what it is called, and our folder not for it to look into.
+        ScriptedPeer peer({serveProbe, answers ? answerDone() : reset});
+        // The application starts to listen some time after the opener has ended.
+        const Opener opener("(sleep 0.1; ln -s " + peer.path() + " socket) &");
+        EXPECT_EQ(opener.run(opener.file("socket")), answers ? done : afterReset);
+        // On Linux another program may have the opener's name, and it must not run in our folder.
 #ifdef __linux__
         const std::string folder = "/";
 #else
         const std::string folder = std::filesystem::current_path();
 #endif
-        EXPECT_EQ(opener.noted("calls"), folder + ": -g -b com.tarnwick.Fernlow3\n");
+        EXPECT_EQ(opener.contents("calls"), folder + ": -g -b com.tarnwick.Fernlow3\n");
         EXPECT_EQ(peer.requests()[0], "");
         EXPECT_EQ(peer.requests()[1].substr(0, 15), answers ? "GET /v1/status " : "");
     }
+    EXPECT_EQ(ExchangeSettings().launchProgram, "/usr/bin/open");
 }
 
-TEST(Launch, HappensOnlyWhenNobodyListens) {
+TEST(Launch, HappensOnlyIfNothingListens) {
     const Opener opener;
     ScriptedPeer peer({answerDone(), answer("not a reply")});
     EXPECT_EQ(opener.run(peer.path()), done);
@@ -97,8 +87,8 @@ TEST(Launch, HappensOnlyWhenNobodyListens) {
     EXPECT_FALSE(opener.wasCalled());
 }
 
-TEST(Launch, IsNoRemedyForATooLongPath) {
-    // The limit is in bytes: 97 characters are too many when 7 of them take two.
+TEST(Launch, IsSkippedIfThePathIsTooLong) {
+    // The limit is in bytes: 97 characters are too many if 7 of them take two bytes.
     const std::string path = std::string(90, 'x') + "\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9";
     const Opener opener;
     const Outcome tooLong{
@@ -109,8 +99,8 @@ TEST(Launch, IsNoRemedyForATooLongPath) {
     EXPECT_TRUE(opener.wasCalled());
 }
 
-TEST(Launch, FindsTheSocketWhereTheSystemKeepsSupportFiles) {
-    const std::string usual = "/Library/Application Support";
+TEST(Launch, FindsTheSocketInTheSystemsSupportFolder) {
+    const std::string fallback = "/Library/Application Support";
     const struct {
         std::string support;
         std::optional<std::string> home;
@@ -120,11 +110,11 @@ TEST(Launch, FindsTheSocketWhereTheSystemKeepsSupportFiles) {
         {"~", "/Users/me", "/Users/me"},
         {"/Volumes/Support", "/Users/me", "/Volumes/Support"},
         {"/Volumes/Support", std::nullopt, "/Volumes/Support"},
-        {"", "/Users/me", "/Users/me" + usual},
-        {"Library", "/Users/me", "/Users/me" + usual},
-        {"~you/Library", "/Users/me", "/Users/me" + usual},
-        {"~/Library/Other", std::nullopt, usual},
-        {"", std::nullopt, usual},
+        {"", "/Users/me", "/Users/me" + fallback},
+        {"Library", "/Users/me", "/Users/me" + fallback},
+        {"~you/Library", "/Users/me", "/Users/me" + fallback},
+        {"~/Library/Other", std::nullopt, fallback},
+        {"", std::nullopt, fallback},
     };
     for (const auto& [support, home, folder] : cases) {
         EXPECT_EQ(socketPathIn(support, home), folder + "/com.tarnwick.Fernlow3/agent.sock")
@@ -132,20 +122,49 @@ TEST(Launch, FindsTheSocketWhereTheSystemKeepsSupportFiles) {
     }
 }
 
-// The user database may be a slow directory service.
-TEST(Launch, LooksForTheSocketOnlyWhereSomethingIsSent) {
+TEST(Launch, FindsTheHomeFolderInTheUserDatabaseAndOnlyIfNeeded) {
+    const std::string variable = std::getenv("HOME") == nullptr ? "" : std::getenv("HOME");
     const CurrentDirectory folder("/");
+    ::setenv("HOME", "/elsewhere", 1);
+    EXPECT_EQ(parseInvocation({"status"}, folder, true).socketPath,
+              std::string(::getpwuid(::getuid())->pw_dir) +
+                  "/Library/Application Support/com.tarnwick.Fernlow3/agent.sock");
+    ::setenv("HOME", variable.c_str(), 1);
+    // The user database may be a slow directory service.
     EXPECT_EQ(parseInvocation({"help"}, folder, true).socketPath, "");
-    EXPECT_EQ(parseInvocation({"status"}, folder, true).socketPath, defaultSocketPath());
 }
 
-TEST(Launch, GivesUpWhenPatienceRunsOut) {
-    EXPECT_EQ(Opener("exit 1").run(nobody, 50ms), notRunning);
-    EXPECT_EQ(runLine(std::string("status --socket ") + nobody, {"/no/such/program", 10ms, 50ms}),
-              notRunning);
+TEST(Launch, PausesBetweenAttemptsUntilTheTimeoutExpires) {
+    EXPECT_EQ(Opener("exit 1").run(missingSocket, 50ms), notRunning);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(
+        runLine(std::string("status --socket ") + missingSocket, {"/no/such/program", 100ms, 50ms}),
+        notRunning);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 100ms);
+    EXPECT_EQ(ExchangeSettings().pollInterval, 200ms);
+    EXPECT_EQ(ExchangeSettings().launchTimeout, 25s);
 }
 
-void expectClosedOff() {
+#ifdef __linux__
+// Other systems refuse a connection at once while the queue is full.
+TEST(Launch, WaitsWhileTheApplicationsQueueIsFull) {
+    const TemporaryFolder folder;
+    const std::string socket = folder.file("socket");
+    const auto hold = [&](Connection& /*connection*/) {
+        while (!std::filesystem::exists(socket)) {
+            std::this_thread::sleep_for(1ms);
+        }
+        std::this_thread::sleep_for(100ms);
+    };
+    const auto close = [](Connection& /*connection*/) {};
+    ScriptedPeer peer({hold, close, serveProbe, answerDone()});
+    const fernlow::Connection served(peer.path(), 9s);
+    const fernlow::Connection queued(peer.path(), 9s);
+    EXPECT_EQ(Opener("ln -s " + peer.path() + " " + socket).run(socket, 10ms), done);
+}
+#endif
+
+void expectNothingInherited() {
     const Opener opener(R"(
 for n in 0 1 2; do [ /dev/fd/$n -ef /dev/null ] && echo "null $n" >>streams; done
 for n in 3 4 5 6 7 8 9; do
@@ -153,52 +172,51 @@ for n in 3 4 5 6 7 8 9; do
 done)");
     const int zero = ::open("/dev/zero", O_RDWR);
     const int inheritable = ::fcntl(zero, F_DUPFD, 7);
-    EXPECT_EQ(opener.run(nobody, 10ms), notRunning);
+    EXPECT_EQ(opener.run(missingSocket, 10ms), notRunning);
     ::close(inheritable);
     ::close(zero);
-    EXPECT_EQ(opener.noted("streams"), "null 0\nnull 1\nnull 2\n");
+    EXPECT_EQ(opener.contents("streams"), "null 0\nnull 1\nnull 2\n");
 }
 
-TEST(Launch, ClosesTheProgramOff) {
-    expectClosedOff();
+TEST(Launch, LetsTheOpenerInheritNoDescriptor) {
+    expectNothingInherited();
 #ifdef SYS_close_range
-    // Also on a Linux from before this call.
     std::thread([] {
-        sock_filter steps[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0),
-                               BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_close_range, 0, 1),
-                               BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
-                               BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
-        const sock_fprog program{4, steps};
-        ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
-        ASSERT_EQ(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
-        expectClosedOff();
+        // A Linux that does not have this call yet.
+        refuseCall(SYS_close_range, ~0U);
+        expectNothingInherited();
+        // No descriptor can be marked as close-on-exec.
+        refuseCall(SYS_fcntl, F_SETFD);
+        const Opener opener;
+        EXPECT_EQ(opener.run(missingSocket, 10ms), notRunning);
+        EXPECT_FALSE(opener.wasCalled());
     }).join();
 #endif
 }
 
 TEST(Launch, LeavesNoSignalIgnoredOrBlocked) {
     const auto former = std::signal(SIGPIPE, SIG_IGN);
-    sigset_t usual;
+    sigset_t formerMask;
     sigset_t blocked;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
-    ::pthread_sigmask(SIG_BLOCK, &blocked, &usual);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &formerMask);
     for (const std::string name : {"PIPE", "TERM"}) {
-        // Before its first child: some shells unblock every signal when they wait.
+        // Before the script's first child, because some shells unblock every signal when they wait.
         const Opener opener("echo begun >steps; kill -" + name + " $$; echo outlived >>steps");
-        EXPECT_EQ(opener.run(nobody, 10ms), notRunning);
-        EXPECT_EQ(opener.noted("steps"), "begun\n") << name;
+        EXPECT_EQ(opener.run(missingSocket, 10ms), notRunning);
+        EXPECT_EQ(opener.contents("steps"), "begun\n") << name;
     }
-    ::pthread_sigmask(SIG_SETMASK, &usual, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &formerMask, nullptr);
     std::signal(SIGPIPE, former);
 }
 
-TEST(Launch, WaitsForTheProgramEvenWhereItsEndIsIgnored) {
+TEST(Launch, WaitsForTheOpenerEvenIfSIGCHLDIsIgnored) {
     const Opener opener("sleep 0.2; echo done >ended");
     const auto former = std::signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(opener.run(nobody, 10ms), notRunning);
+    EXPECT_EQ(opener.run(missingSocket, 10ms), notRunning);
     std::signal(SIGCHLD, former);
-    EXPECT_EQ(opener.noted("ended"), "done\n");
+    EXPECT_EQ(opener.contents("ended"), "done\n");
 }
 
 } // namespace

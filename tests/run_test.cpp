@@ -13,7 +13,7 @@
 namespace fernlow::test {
 namespace {
 
-TEST(Run, AnswersHelpAndVersionByItself) {
+TEST(Run, AnswersHelpAndVersionWithoutConnecting) {
     for (const char* word : {"--version", "-v", "version"}) {
         EXPECT_EQ(runProgram({{word, "--no-launch", "extra"}}), (Outcome{"1\n", "", 0})) << word;
     }
@@ -48,7 +48,7 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
         {"a\r\nb\rc\r\r\n", "a\r\r\nb\uFFFDc\uFFFD\r\r\n"},
         {"\x01\x1F \x7F~", "\uFFFD\uFFFD \uFFFD~"},
         {"\u007f\u0080\u009f\u00a0", "\uFFFD\uFFFD\uFFFD\u00a0"},
-        // NOLINTNEXTLINE(misc-misleading-bidirectional): they are what is tested.
+        // NOLINTNEXTLINE(misc-misleading-bidirectional): these characters are tested.
         {"\u2029\u202a\u202e\u202f\u2065\u2066\u2069\u206a\u200e\u200f\u061c",
          "\u2029\uFFFD\uFFFD\u202f\u2065\uFFFD\uFFFD\u206a\u200e\u200f\u061c"},
         {"\x9B"
@@ -58,7 +58,7 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
     };
     for (const auto& [typed, shown] : cases) {
         ProgramRun run{{typed}};
-        EXPECT_EQ(runProgram(run).standardError.find(typed), 13U) << "untouched in a pipe";
+        EXPECT_EQ(runProgram(run).standardError.find(typed), 13U) << "unchanged in a pipe";
         run.inTerminal = true;
         EXPECT_EQ(runProgram(run).standardOutput,
                   "There is no \"" + std::string(shown) +
@@ -66,7 +66,7 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
     }
 }
 
-TEST(Run, ShowsRepliesHarmlesslyButLeavesJSONAlone) {
+TEST(Run, MakesRepliesSafeForATerminalExceptAsJSON) {
     const std::string refusal = R"({"ok":false,"error":{"message":"No such project."}})";
     const std::string hostile =
         "{\"ok\":true,\"result\":[{\"name\":\"\u009b2J\\u001b]0;x\\r\\u001b[0;8m\"}]}";
@@ -90,7 +90,7 @@ TEST(Run, ShowsRepliesHarmlesslyButLeavesJSONAlone) {
     }
 }
 
-// macOS has no limit to set, and the sanitizer reserves terabytes for itself.
+// macOS does not enforce this limit, and the sanitizer reserves terabytes.
 #if defined(__linux__) && !defined(FERNLOW_SANITIZED)
 TEST(Run, SaysWhenThereIsNotEnoughMemory) {
     static rlim_t limit = 0;
@@ -98,7 +98,8 @@ TEST(Run, SaysWhenThereIsNotEnoughMemory) {
     const std::string unknown = "There is no \"" + words.front() +
                                 "\" command. Run \"fernlow --help\" to see what there is.\n";
     bool reported = false;
-    // The first step with a message may lack the 72 KB that the C++ library wants for throwing.
+    // With the smallest limit that allows a message, the C++ library may not get the 72 KB that it
+    // reserves for exceptions.
     for (limit = rlim_t{4} << 20U; limit < rlim_t{24} << 20U;
          limit += rlim_t{reported ? 512U : 64U} << 10U) {
         const Outcome outcome = runProgram({words, "/", [] {
@@ -110,7 +111,7 @@ TEST(Run, SaysWhenThereIsNotEnoughMemory) {
             reported = true;
             continue;
         }
-        // With less, the system cannot even load the program.
+        // With a smaller limit, the system cannot even load the program.
         EXPECT_NE(outcome.status, -SIGABRT) << limit;
         EXPECT_EQ(reported, outcome == (Outcome{"", unknown, 2})) << limit << outcome;
     }
@@ -118,7 +119,7 @@ TEST(Run, SaysWhenThereIsNotEnoughMemory) {
 }
 #endif
 
-TEST(Run, GoesOnWithStandardStreamsClosed) {
+TEST(Run, SendsTheRequestEvenIfTheStandardStreamsAreClosed) {
     const auto closeAll = [] {
         for (const int stream : {0, 1, 2}) {
             ::close(stream);
@@ -137,7 +138,7 @@ void leaveNoReader() {
     }
 }
 
-void leaveNoReaderUnnoticed() {
+void leaveNoReaderAndIgnoreSIGPIPE() {
     std::signal(SIGPIPE, SIG_IGN);
     leaveNoReader();
 }
@@ -155,10 +156,10 @@ TEST(Run, NeverLosesAReplySilently) {
     for (const auto& [body, status] : cases) {
         ScriptedPeer peer({answer(reply(body)), answer(reply(body))});
         EXPECT_EQ(runProgramAgainst(peer, "status", leaveNoReader).status, -SIGPIPE);
-        EXPECT_EQ(runProgramAgainst(peer, "status", leaveNoReaderUnnoticed),
+        EXPECT_EQ(runProgramAgainst(peer, "status", leaveNoReaderAndIgnoreSIGPIPE),
                   (Outcome{"", lost, status}));
     }
-    EXPECT_EQ(runProgram({{"help"}, "/", leaveNoReaderUnnoticed}), (Outcome{"", lost, 1}));
+    EXPECT_EQ(runProgram({{"help"}, "/", leaveNoReaderAndIgnoreSIGPIPE}), (Outcome{"", lost, 1}));
 }
 
 TEST(Run, WaitsForANonBlockingOutput) {
@@ -169,7 +170,7 @@ TEST(Run, WaitsForANonBlockingOutput) {
               (Outcome{body + "\r\n", "", 0}));
 }
 
-TEST(Run, NeedsTheCurrentDirectoryOnlyWhereAPathDoes) {
+TEST(Run, NeedsTheCurrentDirectoryOnlyForRelativePaths) {
     const auto deleteFolder = [] {
         std::array<char, 32> pattern{"/tmp/fernlow-gone-XXXXXX"};
         if (::mkdtemp(pattern.data()) == nullptr || ::chdir(pattern.data()) != 0 ||

@@ -4,6 +4,7 @@
 #include "support/process.h"
 #include "support/scripted_peer.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <utility>
@@ -32,9 +33,13 @@ inline ScriptedPeer::Script answerDone() {
     return answer(reply(R"({"ok":true})"));
 }
 
+/// For a line with a negative timeout, which a peer that stalls would otherwise hold for 5 seconds.
+inline const ExchangeSettings shortTimeout{.minReplyTimeout = std::chrono::milliseconds(100)};
+
 /// Runs the words of a line against a peer that is there already.
-inline Outcome runAgainst(const ScriptedPeer& peer, const std::string& line) {
-    return runLine("--no-launch --socket " + peer.path() + " " + line);
+inline Outcome runAgainst(const ScriptedPeer& peer, const std::string& line,
+                          const ExchangeSettings& settings = {}) {
+    return runLine("--no-launch --socket " + peer.path() + " " + line, settings);
 }
 
 /// The same with the built program, once `prepare` has spoilt something.

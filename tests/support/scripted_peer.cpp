@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdlib>
 #include <stdexcept>
+#include <utility>
 
 namespace fernlow::test {
 
@@ -68,7 +69,7 @@ ScriptedPeer::~ScriptedPeer() {
     requests();
 }
 
-void ScriptedPeer::start() {
+ScriptedPeer::ScriptedPeer(std::vector<Script> scripts) : scripts_(std::move(scripts)) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path().copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);

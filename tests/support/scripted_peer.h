@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace fernlow::test {
@@ -41,15 +40,8 @@ public:
 
     /// Each script serves one connection, after which nobody listens. On Linux one more fits into
     /// the queue, and a third has to wait before it is connected.
-    explicit ScriptedPeer(std::vector<Script> scripts) : ScriptedPeer(Later{}, std::move(scripts)) {
-        start();
-    }
-    /// Listens once start() is called.
-    struct Later {};
-    ScriptedPeer(Later /*later*/, std::vector<Script> scripts) : scripts_(std::move(scripts)) {}
+    explicit ScriptedPeer(std::vector<Script> scripts);
     ~ScriptedPeer();
-
-    void start();
 
     [[nodiscard]] std::string path() const { return folder_.file("agent.sock"); }
     /// Waits for the last script, then gives each connection's request.
