@@ -1,6 +1,5 @@
 // Runs the commands and recipes of the pages against the stand-in, and compares what the pages show
 // with what is printed.
-#include "support/command_line.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
 
@@ -9,72 +8,58 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string_view>
+#include <sstream>
+#include <stdexcept>
 #include <vector>
 
 namespace fernlow::test {
 namespace {
 
-/// A fenced block of a page: the language behind its fence, and its lines.
-struct Block {
-    std::string language;
-    std::vector<std::string> lines;
-};
+const std::string agentsPage = "docs/for-agents.md";
 
-std::vector<Block> blocksOf(const std::string& page) {
-    std::vector<Block> blocks;
-    std::ifstream file(FERNLOW_ROOT "/" + page);
-    bool isInside = false;
-    for (std::string line; std::getline(file, line);) {
-        if (line.starts_with("```")) {
-            isInside = !isInside;
-            if (isInside) {
-                blocks.push_back({line.substr(3), {}});
-            }
-        } else if (isInside) {
-            blocks.back().lines.push_back(line);
-        }
-    }
-    return blocks;
-}
-
-/// The recipe of the agents' page that begins with the comment "# name".
-std::string recipe(const std::string& name) {
-    std::string text;
-    for (const Block& block : blocksOf("docs/for-agents.md")) {
-        if (block.lines.front() == "# " + name) {
-            for (const std::string& line : block.lines) {
-                text += line + "\n";
-            }
-        }
+std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
     }
     return text;
 }
 
-/// The groups of indented lines in the block that the agents' page gives to paste.
-enum PastedLines : std::size_t { noteCursor, reportFunction, switchBranch };
+/// A piece of a page: a fenced block with the language behind its fence, or text without language.
+/// In a block of Markdown, each group of indented lines is a block of the language "pasted".
+struct Block {
+    std::string language, text;
+};
 
-std::string pasted(PastedLines group) {
-    std::vector<std::string> groups;
-    bool isInside = false;
-    for (const Block& block : blocksOf("docs/for-agents.md")) {
-        for (const std::string& line : block.lines) {
-            const bool isCode = block.language == "markdown" && line.starts_with("    ");
-            if (isCode && !isInside) {
-                groups.emplace_back();
-            }
-            isInside = isCode;
-            if (isCode) {
-                groups.back() += line.substr(4) + "\n";
-            }
+std::vector<Block> blocksOf(const std::string& page) {
+    std::vector<Block> blocks(1);
+    std::ifstream file(FERNLOW_ROOT "/" + page);
+    std::string language;
+    for (std::string line; std::getline(file, line);) {
+        const bool isFence = line.starts_with("```");
+        language = isFence ? line.substr(3) : language;
+        const bool isPasted = language == "markdown" && line.starts_with("    ");
+        const std::string part = isPasted ? "pasted" : language;
+        if (blocks.back().language != part) {
+            blocks.push_back({part, ""});
         }
+        blocks.back().text += isFence ? "" : line.substr(isPasted ? 4 : 0) + "\n";
     }
-    return groups.at(group);
+    return blocks;
 }
 
-/// The function "report" of the pasted block, without the call behind it.
-std::string reportDefinition() {
-    const std::string lines = pasted(reportFunction);
+/// The block of the agents' page that begins so.
+std::string blockBeginning(const std::string& beginning) {
+    for (const Block& block : blocksOf(agentsPage)) {
+        if (block.language != "" && block.text.starts_with(beginning)) {
+            return block.text;
+        }
+    }
+    throw std::runtime_error("no block begins with " + beginning);
+}
+
+/// The function that the agents' page gives to paste, without the call that follows it.
+std::string reportFunction() {
+    const std::string lines = blockBeginning("report() {");
     return lines.substr(0, lines.find("}\nreport ") + 2);
 }
 
@@ -87,11 +72,9 @@ Outcome runScript(const std::string& script, const std::string& shell = "sh",
     const std::string setUp = "mkdir bin; printf '#!/bin/sh\\nexec \"" + program("bin/fernlow") +
                               "\" --no-launch --socket " + home + "/s \"$@\"\\n' >bin/fernlow\n" +
                               "chmod +x bin/fernlow; PATH=" + home + "/bin:$PATH\n";
-    ProgramRun run{{shell, "-c", setUp + replaceAll(script, "/home/me", home)},
-                   home,
-                   {},
-                   inTerminal,
-                   "/usr/bin/env"};
+    ProgramRun run{{shell, "-c", setUp + replaceAll(script, "/home/me", home)}, home};
+    run.program = "/usr/bin/env";
+    run.inTerminal = inTerminal;
     Outcome outcome = runProgram(run);
     for (std::string* text : {&outcome.standardOutput, &outcome.standardError}) {
         *text = replaceAll(replaceAll(*text, home, "/home/me"), "\r", "");
@@ -102,22 +85,21 @@ Outcome runScript(const std::string& script, const std::string& shell = "sh",
 /// Runs the console blocks of a page in one shell, after `setUp`. Pages for people show the output
 /// in a terminal, pages for agents the output in a pipe.
 void expectShownOutput(const std::string& page, bool inTerminal, const std::string& setUp) {
-    std::string script = "{\n" + setUp + "} >/dev/null\nexec 2>&1\n" + reportDefinition() +
+    std::string script = "{\n" + setUp + "} >/dev/null\nexec 2>&1\n" + reportFunction() +
                          "show() { was=$?; printf '%s\\n' \"$1\"; return $was; }\n";
     std::string shown;
     for (const Block& block : blocksOf(page)) {
-        for (const std::string& line : block.lines) {
-            if (block.language != "console" || line.empty()) {
-                continue; // Empty lines stand only between commands, for the reader.
-            }
+        std::istringstream lines(block.language == "console" ? block.text : "");
+        for (std::string line; std::getline(lines, line); shown += line + "\n") {
             if (line.starts_with("$ ")) {
                 script += "show '" + replaceAll(line, "'", "'\\''") + "'\n" + line.substr(2) + "\n";
             }
-            shown += line + "\n";
         }
     }
-    const std::string output = runScript(script, "sh", inTerminal).standardOutput;
-    EXPECT_EQ(replaceAll(output, "\n\n", "\n"), shown) << page;
+    // The pages have additional empty lines between commands.
+    EXPECT_EQ(replaceAll(runScript(script, "sh", inTerminal).standardOutput, "\n\n", "\n"),
+              replaceAll(shown, "\n\n", "\n"))
+        << page;
 }
 
 TEST(Pages, ShowThePrintedOutput) {
@@ -127,7 +109,7 @@ TEST(Pages, ShowThePrintedOutput) {
         printf 'nav {\n  a { color: red;\n}\n' >src/broken.scss
         fernlow add; fernlow build
     )");
-    expectShownOutput("docs/for-agents.md", false, R"(mkdir -p site/src/parts site/vendor shop/src
+    expectShownOutput(agentsPage, false, R"(mkdir -p site/src/parts site/vendor shop/src
         touch site/src/parts/_colours.scss site/src/main.js site/vendor/library.js
         printf '@import "parts/colours";\n' | tee site/src/app.scss site/src/print.scss
     )");
@@ -148,13 +130,11 @@ TEST(AgentsPage, ReportPrintsEachErrorInOneHarmlessLine) {
          "warning: Hook failed: No path.\n/g [2J : Two /h:1:1: lines\n"},
         {R"({"error":{"message":"Off.\u001b[2J"}})", "Off. [2J\n"},
         {"Not JSON.\033[2J", "Not JSON. [2J \n"},
-        {R"({"result":{"problems":[]}})", ""},
-        {R"({"result":{}})", ""},
-        {R"({"ok":false})", ""}};
+        {R"({"result":{}})", ""}};
     for (const auto& [reply, lines] : cases) {
         for (const char* const shell : {"sh", "bash", "zsh"}) {
             EXPECT_EQ(runScript("fernlow() { printf '%s\\n' '" + reply + "' >&2; return 1; }\n" +
-                                    reportDefinition() + "report process",
+                                    reportFunction() + "report process",
                                 shell),
                       (Outcome{lines + "exit status 1\n", "", 1}))
                 << shell << reply;
@@ -170,17 +150,15 @@ const std::string projectWithError = R"(mkdir -p 'a b/src'; ln -s 'a b' link; cd
 const std::string theError = "/home/me/a b/src/app.scss:1:1: This \"{\" is never closed.\n";
 
 TEST(AgentsPage, ThePastedCommandsReportTheSameErrors) {
-    std::string block;
-    for (const Block& each : blocksOf("docs/for-agents.md")) {
-        for (const std::string& line : each.lines) {
-            block += each.language == "markdown" ? line + "\n" : "";
-        }
+    std::string page;
+    for (const Block& block : blocksOf(agentsPage)) {
+        page += block.text;
     }
-    std::string script = projectWithError + "cursor=$(" + pasted(noteCursor) + ")\n" +
-                         replaceAll(pasted(reportFunction), "FILE...", "src/app.scss");
+    std::string script = projectWithError + "cursor=$(" + blockBeginning("fernlow --no-launch") +
+                         ")\n" + replaceAll(blockBeginning("report()"), "FILE...", "src/app.scss");
     for (const std::string command : {"report wait --since CURSOR --project . --timeout 100",
                                       "report build --clean --timeout 100"}) {
-        EXPECT_NE(block.find("`" + command + "`"), std::string::npos) << command;
+        EXPECT_NE(page.find("`" + command + "`"), std::string::npos) << command;
         script += replaceAll(command, "CURSOR", "$cursor") + "\n";
     }
     const std::string report = theError + "exit status 1\n";
@@ -188,7 +166,7 @@ TEST(AgentsPage, ThePastedCommandsReportTheSameErrors) {
 }
 
 TEST(AgentsPage, NobodyWatchesASwitchOfBranches) {
-    // Each command and, for git, whether the project is on. "enable" is interrupted as well.
+    // Notes each command and, for git, whether the project is on. "enable" is interrupted too.
     const std::string steps = R"(
         isOn() { command fernlow projects | jq '.result[0].isEnabled'; }
         fernlow() {
@@ -199,33 +177,32 @@ TEST(AgentsPage, NobodyWatchesASwitchOfBranches) {
         }
         git() { isOn >>../steps; return 7; }
     )";
-    const auto expectSteps = [&](const std::string& before, const std::string& expected,
-                                 const std::string& message, int status) {
+    const auto expectSteps = [&](const std::string& before, const std::string& expected, int status,
+                                 const std::string& message = "") {
         for (const char* const shell : {"sh", "bash", "zsh"}) {
-            EXPECT_EQ(runScript(projectWithError + steps + before + "\n" + pasted(switchBranch) +
+            EXPECT_EQ(runScript(projectWithError + steps + before + "\n" + blockBeginning("(\n") +
                                     "was=$?; isOn >>../steps; echo $(cat ../steps); exit $was",
                                 shell),
                       (Outcome{expected + "\n", message, status}))
                 << shell << before;
         }
     };
-    expectSteps("", "wait projects disable false enable true", "", 7);
+    expectSteps("", "wait projects disable false enable true", 7);
     for (const std::string signal : {"HUP", "INT", "TERM"}) {
         expectSteps("git() { sh -c 'kill -" + signal + " $PPID; sleep 0.1'; }",
-                    "wait projects disable enable true", "", 130);
+                    "wait projects disable enable true", 130);
     }
-    expectSteps("refused=disable", "wait projects enable true", "", 5);
-    expectSteps("refused=wait", "true",
-                "No switch: Fernlow is still working, or cannot be reached.\n", 1);
+    expectSteps("refused=disable", "wait projects enable true", 5);
+    expectSteps("refused=wait", "true", 1,
+                "No switch: Fernlow is still working, or cannot be reached.\n");
     const std::string isOff = "No switch: the project is unknown or switched off.\n";
-    expectSteps("refused=projects", "wait true", isOff, 1);
-    expectSteps("command fernlow disable >../reply", "wait projects false", isOff, 1);
+    expectSteps("refused=projects", "wait true", 1, isOff);
+    expectSteps("command fernlow disable >../reply", "wait projects false", 1, isOff);
 }
 
 TEST(AgentsPage, TheLogIsFollowedAcrossARestart) {
     EXPECT_EQ(runScript(projectWithError + R"(
-        fernlow process src/app.scss >../reply
-        touch ../before
+        fernlow process src/app.scss >../reply; touch ../before
         fernlow() {
             if [ -e ../before ]; then rm ../before; echo '{"result":{"logCursor":99}}'
             else [ ! -e ../after ] && command fernlow "$@"; fi
@@ -234,29 +211,27 @@ TEST(AgentsPage, TheLogIsFollowedAcrossARestart) {
             [ ! -e ../again ] || touch ../after
             touch ../again; command fernlow process src/app.scss >../reply
         }
-        )" + recipe("follow.sh"))
+        )" + blockBeginning("# follow.sh"))
                   .standardOutput,
               "1 error Syntax error in src/app.scss\n2 error Syntax error in src/app.scss\n");
 }
 
 /// Saves the recipes in the current folder.
 std::string saveRecipes() {
-    std::string script = "cat >report.sh <<'END'\n" + reportDefinition() + "END\n";
+    std::string script = "cat >report.sh <<'END'\n" + reportFunction() + "END\n";
     for (const std::string name : {"ci.sh", "Makefile", "client.py"}) {
-        script += "cat >" + name + " <<'END'\n" + recipe(name) + "END\n";
+        script += "cat >" + name + " <<'END'\n" + blockBeginning("# " + name + "\n") + "END\n";
     }
     return script;
 }
 
 TEST(AgentsPage, TheCiStepFailsAsLongAsThereIsAnError) {
-    EXPECT_EQ(runScript(projectWithError + saveRecipes() + R"(
-        fernlow remove . >../reply
+    EXPECT_EQ(runScript(projectWithError + saveRecipes() + R"(fernlow remove . >../reply
         (
             fernlow() { case $* in *build*) set -- "$@" --timeout 0; esac; command fernlow "$@"; }
             . ./ci.sh
         )
-        echo $?; sh ./ci.sh; echo $?; echo >src/app.scss; sh ./ci.sh; echo $?
-        )")
+        echo $?; sh ./ci.sh; echo $?; echo >src/app.scss; sh ./ci.sh; echo $?)")
                   .standardOutput,
               "exit status 4\n" + theError + "exit status 1\n1\n" + theError +
                   "exit status 1\n1\nexit status 0\n0\n");
@@ -268,33 +243,27 @@ TEST(AgentsPage, MakeAndPythonLearnTheStatus) {
     }
     EXPECT_EQ(runScript(projectWithError + saveRecipes() + R"(mkdir src/parts
         touch src/parts/_colours.scss
-        make 2>../reply; echo $?; echo >src/app.scss; make; echo $?; make -q; echo $?
-        )")
+        make 2>../reply; echo $?; echo >src/app.scss; make; echo $?; make -q; echo $?)")
                   .standardOutput,
               theError + "exit status 1\n2\nexit status 0\n0\n0\n");
     EXPECT_EQ(runScript(saveRecipes() + R"(cat >bin/fernlow <<'END'
 #!/bin/sh
 case $2 in
-[014]) echo '{"ok":true,"result":{"errorCount":'$2'}}' ;;
-refused) echo '{"ok":false,"error":{"message":"Off."}}' >&2; exit 5 ;;
+[014]) echo '{"ok":true,"result":'$2'}' ;;
+5) echo '{"ok":false,"error":{"message":"Off."}}' >&2 ;;
 *) echo Text. >&2 ;;
 esac
 exit $2
 END
-        python3 -c '
-from client import fernlow
-for word in ["0", "1", "4", "2", "3", "5", "refused"]:
-    try:
-        print(fernlow(word))
-    except Exception as error:
-        print(type(error).__name__ + ":", error)
-')")
+        for status in 0 1 4 2 3 5 6; do
+            python3 -c 'import client, sys; print(client.fernlow(sys.argv[1]))' $status 2>&1 |
+                tail -n 1
+        done)")
                   .standardOutput,
-              "(0, {'errorCount': 0})\n(1, {'errorCount': 1})\n(4, {'errorCount': 4})\n"
-              "ValueError: fernlow ended with 2: 'Text.'\n"
+              "(0, 0)\n(1, 1)\n(4, 4)\nValueError: fernlow ended with 2: 'Text.'\n"
               "ConnectionError: fernlow ended with 3: 'Text.'\n"
-              "RuntimeError: fernlow ended with 5: 'Text.'\n"
-              "RuntimeError: fernlow ended with 5: 'Off.'\n");
+              "RuntimeError: fernlow ended with 5: 'Off.'\n"
+              "RuntimeError: fernlow ended with 6: 'Text.'\n");
 }
 
 } // namespace
