@@ -5,6 +5,7 @@
 
 /// Always fails. The C++ library then prints the type's mangled name, and what() as usual. The
 /// signature is the one that the C++ ABI prescribes.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the C++ ABI prescribes the name too.
 extern "C" char* __cxa_demangle(const char* /*mangled*/, char* /*buffer*/, std::size_t* /*size*/,
                                 int* status) {
     if (status != nullptr) {
