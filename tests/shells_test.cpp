@@ -1,5 +1,5 @@
-// Completion in the real shells, under a pseudo-terminal: a line is typed, Tab and Return pressed,
-// and a program in fernlow's place prints the words that it got.
+// Completion in the real shells, under a pseudo-terminal: the test types a line, Tab and Return,
+// and a program in fernlow's place prints the words that it gets.
 #include "support/process.h"
 #include "support/scripted_peer.h"
 #include "support/temporary_folder.h"
@@ -30,9 +30,9 @@ namespace {
 struct Shell {
     std::string program;
     std::string arguments;
-    /// Loads the completion, and makes the shell as unlike a fresh one as people make theirs.
+    /// Loads the completion, with settings of the shell that people have in their own.
     std::string start;
-    /// Loads it from no file at all.
+    /// Loads the completion without a file.
     std::string startFromNowhere = ":";
 };
 
@@ -44,7 +44,7 @@ const Shell zsh{
     "zsh", "-f -i",
     "cd ..; ln -s P/share/zsh/site-functions .; fpath=($PWD/site-functions $fpath); cd; "
     "autoload -Uz compinit; compinit -u -D; setopt nounset; IFS=:; alias -g evil=x"};
-// Newer ones ask the terminal who it is, and wait for an answer.
+// Newer versions ask the terminal for its name, and wait for an answer.
 const Shell fish{
     "fish", "--features=no-query-term --no-config -i",
     "cd ..; ln -s P/share/fish/vendor_completions.d/fernlow.fish .; source fernlow.fish; cd",
@@ -64,7 +64,7 @@ public:
                                         : "cp -R '" + std::string(other) + "' " + prefix;
         EXPECT_EQ(std::system(install.c_str()), 0);
         fs::remove(prefix + "/bin/fernlow");
-        // Reached through a link, as Homebrew's programs are.
+        // A link leads to the program, as with Homebrew.
         std::ofstream(prefix + "/bin/real")
             << "#!/bin/sh\nprintf GOT; printf '[%s]' \"$@\"; echo END\n";
         fs::permissions(prefix + "/bin/real", fs::perms::owner_all);
@@ -97,7 +97,7 @@ public:
         ::close(terminal_);
     }
 
-    /// The words that the program got, each in brackets.
+    /// Types the keys and Return, and returns the words that the program got, each in brackets.
     std::string typed(const std::string& keys) {
         const std::string line = keys + "\r";
         EXPECT_EQ(::write(terminal_, line.data(), line.size()), static_cast<ssize_t>(line.size()));
@@ -125,7 +125,16 @@ private:
     pid_t process_ = -1;
 };
 
-/// Names that somebody else has chosen arrive as those very words, and run nothing.
+/// Whether the shell's file or the engine leaves the name out, because the shell would change it.
+bool isLeftOut(const Shell& shell, const std::string& name) {
+    if (shell.program == "zsh") {
+        return name == "evil";
+    }
+    return shell.program == "fish" &&
+           (name.starts_with('~') || name.starts_with('%') || name.starts_with("\u3000"));
+}
+
+/// Names that strangers have chosen arrive as exactly those words or not at all, and run nothing.
 void expectNames(const Shell& shell, Session& session) {
     namespace fs = std::filesystem;
     for (const char* const program : {"links/evil", "home/libexec/fernlow-complete"}) {
@@ -137,17 +146,15 @@ void expectNames(const Shell& shell, Session& session) {
     fs::copy_file(session.file("prefix/bin/real"), session.file("home/bin/fernlow"));
     EXPECT_EQ(session.typed("cd ~/bin; ./fernlow stat\t"), "[status]");
     for (const std::string name :
-         {"a`evil`", "a$(evil)", "a$HOME", "a;evil", "a<(evil)", "a>evil",       "a{b,c}",
-          "a* [b]?", "a!!",      "a'b",    "a\"b",   "a\\",      " a",           "~",
-          "~root",   "a=~root",  "=evil",  "-x",     "#a",       "/gone/`evil`", "evil",
-          "/usr"}) {
+         {"a`evil`", "a$(evil)", "a$HOME",      "a;evil", "a<(evil)", "a>evil",       "a{b,c}",
+          "a* [b]?", "a!!",      "a'b",         "a\"b",   "a\\",      " a",           "~",
+          "~root",   "a=~root",  "=evil",       "-x",     "#a",       "/gone/`evil`", "evil",
+          "/usr",    "%self",    "\u3000--json"}) {
         const bool isPath = name.starts_with('/');
         const std::string member = isPath ? "path" : "name";
         for (const std::string quote : {"", "'", "\""}) {
-            // What a shell would take for something else isn't offered.
-            const bool isLeftOut = (shell.program == "fish" && name.starts_with('~')) ||
-                                   (shell.program == "zsh" && name == "evil");
-            if ((isLeftOut || (shell.program == "bash" && name.ends_with('!'))) && !quote.empty()) {
+            if ((isLeftOut(shell, name) || (shell.program == "bash" && name.ends_with('!'))) &&
+                !quote.empty()) {
                 continue;
             }
             const ScriptedPeer peer({answer(
@@ -156,19 +163,29 @@ void expectNames(const Shell& shell, Session& session) {
                                     (isPath ? " remove " + quote + name.substr(0, 3) + "\t"
                                             : " move --group " + quote + "\t")),
                       "[--socket][" + peer.path() + (isPath ? "][remove]" : "][move][--group]") +
-                          (isLeftOut ? "" : "[" + name + "]"));
+                          (isLeftOut(shell, name) ? "" : "[" + name + "]"));
         }
     }
-    // As it does of names on the disk; but "~" begins a home folder's.
+    const ScriptedPeer braces(
+        {answer(reply(R"({"ok":true,"result":[{"name":"abc"},{"name":"a{b,c"}]})"))});
+    EXPECT_EQ(session.typed("fernlow --socket " + braces.path() + " move --group a{b\t}"),
+              "[--socket][" + braces.path() + "][move][--group][a{b}]");
+    // The same is true of names on the disk, but a relative path cannot begin with "~".
     for (const std::string name : {"`evil`", "$(evil)", "a$HOME", "a!!", "a'b", "a\"", "a\\", " a",
-                                   "=evil", "-x", "{b,c}", "~root"}) {
+                                   "=evil", "-x", "{b,c}", "~root", "\u3000~root", "\n", "a\tb"}) {
+        const bool hasControl = name.find_first_of("\n\t") != std::string::npos;
+        if (hasControl && shell.program == "zsh") {
+            // zsh lists the names itself, and writes controls as $'\n'.
+            continue;
+        }
         fs::create_directories(session.file("disk/" + name));
         session.typed("cd ~/../disk; fernlow ready");
-        const std::string given = name == "~root" ? "x" : name + "/x";
+        const std::string below = hasControl ? "x" : name + "/x";
+        const std::string given = isLeftOut(shell, name) || name == "~root" ? "x" : below;
         EXPECT_EQ(session.typed("fernlow add \tx"), "[add][" + given + "]");
         EXPECT_EQ(session.typed("fernlow add '~\t'"), "[add][~]");
         EXPECT_EQ(session.typed("fernlow add ~/../disk/\tx"),
-                  "[add][" + session.file("home/../disk/") + name + "/x]");
+                  "[add][" + session.file("home/../disk/") + below + "]");
         fs::remove_all(session.file("disk"));
     }
     EXPECT_FALSE(fs::exists(session.file("ran")));
@@ -204,7 +221,7 @@ void expectCompletions(const Shell& shell) {
     EXPECT_EQ(session.typed("fernlow --socket " + stalled.path() + " settings sche\t"),
               "[--socket][" + stalled.path() + "][settings][schema]");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-    // Then there is no engine, and none in the folder one looks at.
+    // Without a file there is no engine. A program in the current folder is not taken for it.
     std::filesystem::create_directories(session.file("home/a/b/c"));
     session.typed("cd ~/a/b/c; " + shell.startFromNowhere + "; fernlow ready");
     session.typed("fernlow stat\t");

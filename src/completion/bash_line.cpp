@@ -24,6 +24,7 @@ struct Word {
 /// Reads a command as bash does. Text that bash will expand becomes unknownText.
 class BashLine {
 public:
+    /// Keeps a reference to the line.
     explicit BashLine(std::string_view line) : line_(line) {
         while (at_ < line_.size() && state_ != State::elsewhere) {
             const char character = line_[at_++];
@@ -42,6 +43,16 @@ public:
 
     /// The word at the end of the line, which may be empty.
     [[nodiscard]] const Word& lastWord() const { return lastWord_; }
+
+    /// Ends the last word, so that it is one of the words().
+    void endWord() {
+        const bool isWord = !lastWord_.text.empty() || state_ == State::inWord;
+        if (isWord && !std::exchange(isRedirection_, false)) {
+            words_.push_back(lastWord_);
+        }
+        lastWord_ = {"", at_};
+        state_ = State::betweenWords;
+    }
 
     /// The quote that is open at the end of the line, or 0.
     [[nodiscard]] char openQuote() const {
@@ -63,14 +74,6 @@ private:
     void put(char character) {
         lastWord_.text += character;
         state_ = state_ == State::betweenWords ? State::inWord : state_;
-    }
-
-    void endWord() {
-        if (state_ != State::betweenWords && !std::exchange(isRedirection_, false)) {
-            words_.push_back(lastWord_);
-        }
-        lastWord_ = {"", at_};
-        state_ = State::betweenWords;
     }
 
     void readSingleQuoted(char character) {
@@ -126,6 +129,7 @@ private:
         // The number of a descriptor, quoted nowhere, belongs to the redirection.
         const std::string_view typed = line_.substr(lastWord_.start, at_ - 1 - lastWord_.start);
         if (typed.find_first_not_of("0123456789") == std::string_view::npos) {
+            lastWord_ = {};
             state_ = State::betweenWords;
         }
         endWord();
@@ -181,10 +185,11 @@ std::vector<std::string> wordsOf(const BashLine& before, const BashRequest& requ
         words.push_back(word.text);
     }
     words.push_back(before.lastWord().text);
-    // The space ends the last word.
-    const std::string line =
-        std::string(request.beforeCursor) + std::string(request.afterCursor) + " ";
-    for (const Word& word : BashLine(line).words()) {
+    const std::string line = std::string(request.beforeCursor) + std::string(request.afterCursor);
+    BashLine whole(line);
+    whole.endWord();
+    for (const Word& word : whole.words()) {
+        // The rest of the word at the cursor is not a word of its own.
         if (word.start > request.beforeCursor.size()) {
             words.push_back(word.text);
         }
