@@ -4,7 +4,7 @@
 
 namespace fernlow {
 
-/// The help text: the whole manual, as UTF-8, without a line break after its last line.
+/// Returns the help text, which is the whole manual, in UTF-8 and without a final line break.
 std::string usageText();
 
 } // namespace fernlow

@@ -24,7 +24,8 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
     invocation.wantsJSON = !standardOutputIsTerminal || globals.has(options::json);
     invocation.launchIfNeeded = !globals.has(options::noLaunch);
     invocation.action = parseCommand(std::move(words), currentDirectory);
-    // Asking for the usual one costs more than all the rest, so only where it is used.
+    // Finding the default takes longer than the rest of this function, so skip it if it is not
+    // used.
     if (const std::string* const socketPath = globals.socketPath()) {
         invocation.socketPath = *socketPath;
     } else if (invocation.action.isSent()) {

@@ -11,20 +11,21 @@ namespace fernlow {
 /// A parsed command line.
 struct AgentCLIInvocation {
     AgentCLIAction action;
-    /// Print the reply as JSON; the default where standard output is not a terminal.
+    /// Whether to print the reply as JSON. The default is true unless standard output is a
+    /// terminal.
     bool wantsJSON = false;
-    /// The socket to use, as typed or the usual one. Empty where nothing is to be sent and none was
+    /// The path of the socket, as typed or the default. Empty if no request is sent and no path was
     /// typed.
     std::string socketPath;
-    /// Whether the application may be started when nobody listens.
+    /// Whether to start the application if it is not running.
     bool launchIfNeeded = true;
 
     bool operator==(const AgentCLIInvocation&) const = default;
 };
 
-/// Understands a command line: the arguments after the program's name. The options --json,
-/// --no-launch and --socket may stand anywhere. Throws AgentCLIUsageError, or json::EncodingError
-/// or CurrentDirectoryError when the request cannot be built.
+/// Parses a command line: the arguments after the program's name. The options --json, --no-launch
+/// and --socket may stand anywhere. Throws AgentCLIUsageError, or json::EncodingError or
+/// CurrentDirectoryError if the request cannot be built.
 AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
                                    const CurrentDirectory& currentDirectory,
                                    bool standardOutputIsTerminal);

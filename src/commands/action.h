@@ -5,14 +5,14 @@
 
 namespace fernlow {
 
-/// What a command line asks for.
+/// The action that a command line asks for.
 struct AgentCLIAction {
-    /// Send a GET of that request path, without a body.
+    /// Send a GET request without a body.
     struct get {
         std::string path;
         bool operator==(const get&) const = default;
     };
-    /// Send a POST of that request path; `body` is an encoded JSON document.
+    /// Send a POST request. The body is an encoded JSON document.
     struct post {
         std::string path;
         std::string body;
@@ -27,7 +27,7 @@ struct AgentCLIAction {
 
     std::variant<get, post, help, version> kind;
 
-    /// Whether the application is asked; else this program answers.
+    /// Returns whether a request is sent to the application. If not, this program answers.
     [[nodiscard]] bool isSent() const {
         return std::holds_alternative<get>(kind) || std::holds_alternative<post>(kind);
     }

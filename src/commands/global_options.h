@@ -8,20 +8,24 @@
 
 namespace fernlow {
 
-/// The options that may stand anywhere on a command line, the value of another option included.
+/// The options that may stand anywhere on a command line, even in the place of another option's
+/// value.
 class GlobalOptions {
 public:
-    /// Takes them off the words. What was taken before stays; a later --socket prevails.
+    /// Removes the global options from the words and adds them to those taken earlier. The last
+    /// --socket prevails.
     void take(std::vector<std::string>& words);
 
+    /// Returns whether the global option was given.
     [[nodiscard]] bool has(const Option& option) const { return valueOf(option) != nullptr; }
 
-    /// The socket's path as it was typed, or null.
+    /// Returns the path of the socket as typed, or null.
     [[nodiscard]] const std::string* socketPath() const;
 
-    /// Whether a --socket was the last word, so that no path follows it.
+    /// Returns whether the last word was --socket, which then lacks its value.
     [[nodiscard]] bool lackSocketPath() const { return lackSocketPath_; }
 
+    /// Returns the global options in the order of the help text.
     static std::span<const Option* const> all();
 
 private:

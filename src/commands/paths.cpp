@@ -21,8 +21,8 @@ std::string expandTilde(std::string_view word) {
     return home ? *home + std::string(word.substr(nameEnd)) : std::string(word);
 }
 
-/// An absolute path without empty, "." and ".." components. ".." at the root stays at the root.
-std::string standardized(std::string_view path) {
+/// Removes empty, "." and ".." components from an absolute path. The parent of "/" is "/".
+std::string withoutDotComponents(std::string_view path) {
     std::string result;
     while (!path.empty()) {
         const std::size_t end = std::min(path.find('/'), path.size());
@@ -44,9 +44,9 @@ CurrentDirectory CurrentDirectory::ofProcess() {
     struct Free {
         void operator()(char* text) const { std::free(text); }
     };
-    // Given no buffer, the systems allocate the result, of any length (but musl, up to PATH_MAX).
+    // Without a buffer, getcwd allocates one of any length; musl limits it to PATH_MAX.
     const std::unique_ptr<char, Free> path(::getcwd(nullptr, 0));
-    // Linux reports a folder outside the process's root with "(unreachable)" in front.
+    // Linux puts "(unreachable)" before a folder outside the root of the process.
     if (path != nullptr && *path == '/') {
         directory.path_ = path.get();
     }
@@ -68,14 +68,14 @@ std::string resolvePath(std::string_view word, const CurrentDirectory& currentDi
     if (word.starts_with('/')) {
         return std::string(word);
     }
-    return standardized(currentDirectory.path() + "/" + std::string(word));
+    return withoutDotComponents(currentDirectory.path() + "/" + std::string(word));
 }
 
 bool looksLikePath(std::string_view word) {
     if (word.starts_with('/') || word.starts_with('~') || word.starts_with('.')) {
         return true;
     }
-    // A "/" behind a "=" is that of a setting's value, where "set" was forgotten.
+    // A word with "=" is a setting whose value contains a "/"; the word "set" was forgotten.
     return word.find('/') != std::string_view::npos && word.find('=') == std::string_view::npos;
 }
 

@@ -8,17 +8,17 @@
 
 namespace fernlow {
 
-/// The folder that relative paths are read against, as the operating system reports it. It may be
-/// unreadable (deleted under the shell), which matters only to a command that asks for it.
+/// The folder that relative paths start from, as the operating system reports it. It can be
+/// unreadable, for example because it was deleted. Only commands that use it then fail.
 class CurrentDirectory {
 public:
-    /// A known folder: an absolute path.
+    /// Uses the folder with this absolute path.
     explicit CurrentDirectory(std::string path) : path_(std::move(path)) {}
 
-    /// The folder of this process.
+    /// Returns the current directory of this process.
     static CurrentDirectory ofProcess();
 
-    /// Throws CurrentDirectoryError when the folder is unreadable.
+    /// Returns the absolute path. Throws CurrentDirectoryError if the folder is unreadable.
     [[nodiscard]] const std::string& path() const;
 
 private:
@@ -27,19 +27,21 @@ private:
     std::optional<std::string> path_;
 };
 
-/// The current directory is needed and cannot be read. The message is a sentence for the user.
+/// The error of a command that uses an unreadable current directory. Its message is a sentence for
+/// the user.
 class CurrentDirectoryError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The absolute path that a word names: "~" and "~user" expanded and otherwise left alone, an
-/// absolute path unchanged, anything else joined to the current directory with ".", ".." and empty
-/// components resolved by name. Nothing on disk is looked at.
+/// Returns the absolute path that a word names. A leading "~" or "~user" is replaced by the home
+/// folder, if that is known. An absolute path stays unchanged. Any other path is joined to the
+/// current directory, and its ".", ".." and empty components are removed without looking at the
+/// disk. Throws CurrentDirectoryError.
 std::string resolvePath(std::string_view word, const CurrentDirectory& currentDirectory);
 
-/// Whether the word can only be meant as a path: it begins with "/", "~" or ".", or holds a "/" and
-/// no "=".
+/// Returns whether the word can only be a path: it begins with "/", "~" or ".", or it contains a
+/// "/" and no "=".
 bool looksLikePath(std::string_view word);
 
 } // namespace fernlow

@@ -6,8 +6,8 @@
 
 namespace fernlow {
 
-/// A command line that cannot be understood: which of the cases below, and what was typed. Thrown
-/// as `AgentCLIUsageError(AgentCLIUsageError::unknownOption{word})`.
+/// The error of a command line with a mistake: one of the cases below, with the text as typed.
+/// Throw it as `AgentCLIUsageError(AgentCLIUsageError::unknownOption{word})`.
 class AgentCLIUsageError : public std::exception {
 public:
     struct unknownCommand {
@@ -17,10 +17,10 @@ public:
         std::string word;
     };
     struct missingValue {
-        /// The option, or what is missing in a few words.
+        /// The option, or a few words for the missing value.
         std::string text;
     };
-    /// Also for a value that is none of an option's named choices.
+    /// Also used for a value that is not one of an option's choices.
     struct notANumber {
         std::string option;
         std::string value;
@@ -37,7 +37,7 @@ public:
 
     explicit AgentCLIUsageError(const Kind& kind);
 
-    /// The sentence for the user, with the payload as it was typed.
+    /// Returns the sentence for the user.
     [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
 
 private:

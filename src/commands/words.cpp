@@ -59,8 +59,10 @@ void WordList::rejectLeftoverWords() const {
         return;
     }
     const std::string& word = words_.front();
-    throw word.starts_with('-') ? AgentCLIUsageError(AgentCLIUsageError::unknownOption{word})
-                                : AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{word});
+    if (word.starts_with('-')) {
+        throw AgentCLIUsageError(AgentCLIUsageError::unknownOption{word});
+    }
+    throw AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{word});
 }
 
 } // namespace fernlow

@@ -8,34 +8,35 @@
 
 namespace fernlow {
 
-/// The words of a command line that are still to be understood. Each operation removes what it
-/// takes; a command's last one reports whatever nobody has taken.
+/// The words of a command line that no operation has taken yet. Each operation removes the words
+/// that it takes. The last operation of a command reports a word that is left over.
 ///
-/// Words are matched whole. An option's value is the next word, whatever it looks like. Only the
-/// first occurrence of an option is taken, and one that is the last word counts as not given: both
-/// leave a word behind for that last operation to report.
+/// Words are matched as a whole. The value of an option is the next word, whatever it looks like.
+/// An operation takes only the first occurrence of an option. An option that is the last word
+/// counts as not given. In both cases a word is left over.
 class WordList {
 public:
     explicit WordList(std::vector<std::string> words) : words_(std::move(words)) {}
 
     [[nodiscard]] const std::vector<std::string>& remaining() const { return words_; }
 
-    /// The next word, whatever it looks like.
+    /// Takes the first word, whatever it looks like.
     std::optional<std::string> takeNextWord();
 
-    /// Whether the flag is there.
+    /// Takes the flag and returns whether it was there.
     bool takeFlag(std::string_view flag);
 
+    /// Takes the option and the word after it, and returns that word.
     std::optional<std::string> takeOptionValue(std::string_view option);
 
-    /// The first word that doesn't begin with "-", wherever it stands.
+    /// Takes the first word that does not begin with "-", wherever it stands.
     std::optional<std::string> takeFirstWord();
 
-    /// All words; AgentCLIUsageError `unknownOption` when one begins with "--".
+    /// Takes all words. Throws AgentCLIUsageError `unknownOption` if a word begins with "--".
     std::vector<std::string> takeRemainingWords();
 
-    /// The first word left is an AgentCLIUsageError: `unknownOption` when it begins with "-", else
-    /// `unexpectedArgument`.
+    /// Throws AgentCLIUsageError if a word is left: `unknownOption` if the first one begins with
+    /// "-", otherwise `unexpectedArgument`.
     void rejectLeftoverWords() const;
 
 private:
