@@ -1,7 +1,7 @@
-#include "commands/collections.h"
-
 #include "commands/command_line.h"
+#include "commands/families.h"
 #include "commands/options.h"
+#include "commands/requests.h"
 #include "commands/setting_values.h"
 #include "commands/usage_error.h"
 
@@ -21,19 +21,19 @@ namespace {
 using namespace options;
 using namespace operands;
 
-constexpr Choice<AgentCollectionKind> onlyKind{kind.word, "Only this kind of row", "every kind"};
+constexpr auto onlyKind = kind.describedAs("Only this kind of row", "every kind");
 
 AgentCLIAction parseCollections(CommandLine& line) {
     AgentCollectionListRequest request;
     request.path = line.takePathOrCurrentDirectory();
-    request.kind = line.value(onlyKind);
+    request.kind = line.optionalValue(onlyKind);
     return post("/v1/collections", request);
 }
 
 constexpr Choice<AgentBuildStepType> type{"--type",
                                           "The type of a new build step, which needs one"};
-constexpr Text newExtension{
-    ofExtension.word, {ValueKind::text, "ext"}, "The extension of a new user-defined language"};
+constexpr auto newExtension =
+    ofExtension.ofKind(ValueKind::text).describedAs("The extension of a new user-defined language");
 
 struct AgentCollectionAddRequest {
     std::string path;
@@ -41,7 +41,7 @@ struct AgentCollectionAddRequest {
     std::optional<AgentBuildStepType> buildStepType;
     std::optional<std::string> fileExtension;
     SettingValues values;
-    /// Always empty: a new row's settings are given through --values.
+    /// Always empty, because this command takes no key=value words.
     SettingLiterals literals;
     FERNLOW_WIRE_FIELDS(path, kind, buildStepType, fileExtension, values, literals)
 };
@@ -49,18 +49,18 @@ struct AgentCollectionAddRequest {
 AgentCLIAction parseCollectionAdd(CommandLine& line) {
     AgentCollectionAddRequest request;
     request.path = line.takePathOrCurrentDirectory();
-    request.kind = line.require(kind);
-    request.buildStepType = line.value(type);
-    request.fileExtension = line.value(newExtension);
-    request.values = line.value(values).value_or(SettingValues());
+    request.kind = line.requiredValue(kind);
+    request.buildStepType = line.optionalValue(type);
+    request.fileExtension = line.optionalValue(newExtension);
+    request.values = line.valueOrDefault(values);
     return post("/v1/collections/add", request);
 }
 
 constexpr Text id{"--id", {ValueKind::rowId, "id"}, "Which row, as the listing reports it"};
 
-/// Unlike other texts it may not be empty.
-std::string requireId(const CommandLine& line) {
-    std::string given = line.require(id);
+/// Returns the row's identifier. An empty identifier counts as missing.
+std::string requiredId(const CommandLine& line) {
+    std::string given = line.requiredValue(id);
     if (given.empty()) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingValue{std::string(id.word)});
     }
@@ -77,8 +77,8 @@ struct AgentCollectionRemoveRequest {
 AgentCLIAction parseCollectionRemove(CommandLine& line) {
     AgentCollectionRemoveRequest request;
     request.path = line.takePathOrCurrentDirectory();
-    request.kind = line.require(kind);
-    request.id = requireId(line);
+    request.kind = line.requiredValue(kind);
+    request.id = requiredId(line);
     return post("/v1/collections/remove", request);
 }
 
@@ -89,17 +89,17 @@ struct AgentCollectionReorderRequest {
     std::string path;
     AgentCollectionKind kind = AgentCollectionKind::buildSteps;
     std::string id;
-    /// The new place, counting from zero.
+    /// The new index of the row.
     std::int64_t position = 0;
     FERNLOW_WIRE_FIELDS(path, kind, id, position)
 };
 
 AgentCLIAction parseCollectionMove(CommandLine& line) {
     AgentCollectionReorderRequest request;
-    request.position = line.require(position);
+    request.position = line.requiredValue(position);
     request.path = line.takePathOrCurrentDirectory();
-    request.kind = line.require(kind);
-    request.id = requireId(line);
+    request.kind = line.requiredValue(kind);
+    request.id = requiredId(line);
     return post("/v1/collections/reorder", request);
 }
 
@@ -119,15 +119,16 @@ AgentCLIAction parseCollectionSet(CommandLine& line) {
     SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
-    patch.kind = line.require(kind);
-    patch.id = requireId(line);
+    patch.kind = line.requiredValue(kind);
+    patch.id = requiredId(line);
     patch.path = line.currentDirectory().path();
     return post("/v1/collections/set", patch);
 }
 
 AgentCLIAction parseCollectionSchema(CommandLine& line) {
     line.rejectLeftoverWords();
-    return post("/v1/collections/schema", AgentCollectionSchemaRequest{line.value(onlyKind)});
+    return post("/v1/collections/schema",
+                AgentCollectionSchemaRequest{line.optionalValue(onlyKind)});
 }
 
 constexpr std::string_view collections = "collections";

@@ -4,7 +4,6 @@
 #include "commands/option.h"
 
 #include <array>
-#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,52 +16,53 @@ class CommandLine;
 // The empty initialisers let tables leave members out without a warning.
 // NOLINTBEGIN(readability-redundant-member-init)
 
-/// A word that is no option.
+/// A word of a command line that does not belong to an option.
 struct Operand {
     ValueDescription value;
     bool isRequired = false;
-    /// Whether any number of them may follow each other. Never so for an operand before the last.
+    /// Whether the operand may be given more than once. Only the last operand of a command may.
     bool repeats = false;
-    /// The option that may give it instead.
+    /// The option that can be given instead of this operand, or null.
     const Option* option = nullptr;
 };
 
-/// The array that a row's list of options refers to: `.options = optionList<noWait, timeout>`. Rows
-/// with equal lists share one array.
+/// The array for a row's list of options: `.options = optionList<noWait, timeout>`. Equal lists are
+/// one array. Each pointer in a table costs time when the program starts.
 template <const auto&... options>
 inline constexpr std::array<const Option*, sizeof...(options)> optionList{&options...};
 
-/// The same for operands.
+/// The array for a row's list of operands.
 template <const auto&... operands>
 inline constexpr std::array<const Operand*, sizeof...(operands)> operandList{&operands...};
 
-/// One command, or one subcommand: all that is to be known of it.
+/// A row of the command table: the whole description of a command or of a subcommand. In a command
+/// with subcommands, the row with an empty subcommand describes the command alone.
 struct Command {
     std::string_view word;
-    /// Empty for the command alone.
     std::string_view subcommand{};
+    /// One line without a full stop.
     std::string_view summary;
     std::span<const Operand* const> operands{};
-    /// What it takes, in the order in which it is taken: what it can't do without first. That order
-    /// decides which of two mistakes is reported, and who gets a word that could be an option or
-    /// another one's value.
+    /// The options that the command needs, and the options that may be left out. They are taken
+    /// in this order. The order decides which of two mistakes is reported, and to which option a
+    /// word belongs that could be an option or another option's value.
     std::span<const Option* const> required{};
     std::span<const Option* const> options{};
-    /// Of a command with subcommands: the options that may stand in front of them, taken first. A
-    /// subcommand that doesn't list one drops it.
+    /// In the row of a command alone: the options that may stand before a subcommand. They are
+    /// taken first, in this order. A subcommand ignores those of them that its own row leaves out.
     std::span<const Option* const> beforeSubcommand{};
     /// Other words for the command.
     std::span<const std::string_view> aliases{};
-    /// Whether words that it has no use for, options included, are passed over in silence.
+    /// Whether the command ignores words and options that it does not use.
     bool ignoresOtherWords = false;
-    /// Makes a request of the line. Throws AgentCLIUsageError, json::EncodingError or
-    /// CurrentDirectoryError.
+    /// Returns the action for a line of this command. Throws AgentCLIUsageError,
+    /// json::EncodingError or CurrentDirectoryError.
     AgentCLIAction (*parse)(CommandLine& line);
 
-    /// As a person types it: "files set".
+    /// Returns the words as a user types them: "files set".
     [[nodiscard]] std::string name() const;
 
-    /// The required ones and the others.
+    /// Returns the required options, followed by the others.
     [[nodiscard]] std::vector<const Option*> allOptions() const;
 };
 

@@ -10,7 +10,7 @@ namespace fernlow {
 
 namespace {
 
-bool readsAsPaths(const std::vector<std::string>& words) {
+bool areAllPaths(const std::vector<std::string>& words) {
     return !words.empty() && looksLikePath(words.front()) &&
            std::all_of(words.begin(), words.end(), [](const std::string& word) {
                return word.starts_with('-') || looksLikePath(word);
@@ -19,13 +19,14 @@ bool readsAsPaths(const std::vector<std::string>& words) {
 
 } // namespace
 
-CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory)
-    : WordList(std::move(words)), currentDirectory_(&currentDirectory) {
+CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory,
+                         Validation validation)
+    : WordList(std::move(words)), currentDirectory_(&currentDirectory), validation_(validation) {
     const auto word = takeNextWord();
     if (!word) {
         throw AgentCLIUsageError(AgentCLIUsageError::noCommand{});
     }
-    command_ = findCommand(*word, "");
+    command_ = findCommand(*word);
     if (command_ == nullptr) {
         throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{*word});
     }
@@ -33,12 +34,14 @@ CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory&
 }
 
 void CommandLine::takeSubcommand() {
-    const bool mayBePaths = !command_->operands.empty() && readsAsPaths(remaining());
-    if (hasSubcommands(*command_) && !mayBePaths) {
+    const bool hasOnlyPaths = !command_->operands.empty() && areAllPaths(remaining());
+    if (hasSubcommands(*command_) && !hasOnlyPaths) {
         if (const auto word = takeFirstWord()) {
-            // An empty word would name the command alone.
-            const auto* const found = word->empty() ? nullptr : findCommand(command_->word, *word);
-            command_ = found != nullptr ? found : throw unknownSubcommand(*word);
+            const Command* const subcommand = findSubcommand(*command_, *word);
+            if (subcommand == nullptr) {
+                throw unknownSubcommand(*word);
+            }
+            command_ = subcommand;
         }
     }
     take(command_->required);
@@ -47,24 +50,35 @@ void CommandLine::takeSubcommand() {
 
 void CommandLine::take(std::span<const Option* const> options) {
     for (const Option* const option : options) {
-        // What the command has taken its subcommand leaves alone: a repeated option is an error.
-        if (find(*option) != nullptr) {
-            continue;
-        }
-        if (option->value.kind != ValueKind::flag) {
-            if (auto text = takeOptionValue(option->word)) {
-                taken_.push_back({option, *std::move(text)});
-            }
-        } else if (takeFlag(option->word)) {
-            taken_.push_back({option, ""});
+        const auto before =
+            std::find_if(taken_.begin(), taken_.end(), [=](const TakenOption& taken) {
+                return taken.option->word == option->word;
+            });
+        if (before == taken_.end()) {
+            takeOption(*option);
+        } else {
+            // It stood before the subcommand, whose row may describe the option differently. A
+            // repetition is left over and will be reported.
+            before->option = option;
         }
     }
 }
 
-void CommandLine::validateValues() const {
-    for (const auto& [option, text] : taken_) {
-        option->validate(text);
+void CommandLine::takeOption(const Option& option) {
+    if (option.value.kind == ValueKind::flag) {
+        if (takeFlag(option.word)) {
+            taken_.push_back({&option, ""});
+        }
+        return;
     }
+    auto text = takeOptionValue(option.word);
+    if (!text) {
+        return;
+    }
+    if (validation_ == Validation::whenTaken) {
+        option.validate(*text);
+    }
+    taken_.push_back({&option, *std::move(text)});
 }
 
 const std::string* CommandLine::find(const Option& option) const {
@@ -78,42 +92,33 @@ AgentCLIUsageError CommandLine::unknownSubcommand(const std::string& word) const
     return AgentCLIUsageError(AgentCLIUsageError::unknownCommand{command_->name() + " " + word});
 }
 
-const std::string* CommandLine::listed(const Option& option) const {
-    [[maybe_unused]] const auto isListed = [&] {
+const std::string* CommandLine::givenText(const Option& option) const {
+    [[maybe_unused]] const auto isInRow = [&] {
         const auto options = command_->allOptions();
-        return std::any_of(options.begin(), options.end(),
-                           [&](const Option* listed) { return listed->word == option.word; });
+        return std::find(options.begin(), options.end(), &option) != options.end();
     };
-    // Else it would be absent whatever is typed.
-    assert(isListed());
-    return find(option);
+    assert(isInRow() && "A parser asks for an option that its command's row does not list.");
+    const auto found = std::find_if(taken_.begin(), taken_.end(), [&](const TakenOption& taken) {
+        return taken.option == &option;
+    });
+    return found == taken_.end() ? nullptr : &found->value;
 }
 
-const std::string& CommandLine::requireText(const Option& option) const {
-    const std::string* const text = listed(option);
+const std::string& CommandLine::requiredText(const Option& option) const {
+    const std::string* const text = givenText(option);
     if (text == nullptr) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingValue{std::string(option.word)});
     }
     return *text;
 }
 
-std::optional<std::string> CommandLine::value(const Path& option) const {
-    const std::string* const text = listed(option);
+std::optional<std::string> CommandLine::optionalPath(const Path& option) const {
+    const std::string* const text = givenText(option);
     return text == nullptr ? std::nullopt : std::optional(resolvePath(*text, *currentDirectory_));
 }
 
-std::int64_t CommandLine::value(const WholeNumber& option) const {
-    const std::string* const text = listed(option);
-    return text == nullptr ? option.defaultValue() : option.read(*text);
-}
-
-double CommandLine::value(const Decimal& option) const {
-    const std::string* const text = listed(option);
-    return text == nullptr ? option.defaultValue() : option.read(*text);
-}
-
 std::string CommandLine::pathOrCurrentDirectory(const Path& option) const {
-    auto path = value(option);
+    auto path = optionalPath(option);
     return path ? *std::move(path) : currentDirectory_->path();
 }
 
@@ -162,10 +167,7 @@ const Option* CommandLine::unfinishedOption() const {
 AgentCLIAction parseCommand(std::vector<std::string> words,
                             const CurrentDirectory& currentDirectory) {
     CommandLine line(std::move(words), currentDirectory);
-    // Before the subcommand is looked at, and again for what it takes itself.
-    line.validateValues();
     line.takeSubcommand();
-    line.validateValues();
     return line.command().parse(line);
 }
 

@@ -12,99 +12,116 @@
 
 namespace fernlow {
 
-/// A command line without its global options, read as far as its command's own rules say what the
-/// words mean; the words left are for the command's parser. Parsing and completing both read it in
-/// three steps: the constructor, takeSubcommand(), and what is made of the rest. What a parser asks
-/// for throws AgentCLIUsageError where the line lacks it.
+/// Whether the values of options are validated when the options are taken. Completion does not
+/// validate values, because it reads lines that are still being typed.
+enum class Validation { whenTaken, none };
+
+/// A command line without its global options. It is read in three steps, both for parsing and for
+/// completion: the constructor finds the command, takeSubcommand() finds the subcommand and takes
+/// the options, and the command's parser takes the remaining words.
+///
+/// A parser asks only for options in its command's row. All functions that take or require
+/// something throw AgentCLIUsageError if the line does not contain it.
 class CommandLine : public WordList {
 public:
-    /// Finds the command and takes the options that may stand in front of a subcommand. Throws
-    /// AgentCLIUsageError `noCommand` or `unknownCommand`. Keeps a reference to the folder.
-    CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory);
+    /// Finds the command and takes the options that may stand before a subcommand. Throws
+    /// AgentCLIUsageError `noCommand` or `unknownCommand`, or the error of a value that does not
+    /// validate. Keeps a reference to the current directory.
+    CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory,
+                Validation validation = Validation::whenTaken);
 
-    /// Takes the subcommand, if there is one, and the options that are left. Throws
-    /// `unknownCommand`.
+    /// Takes the subcommand, if there is one, and the options of its row. Throws `unknownCommand`,
+    /// or the error of a value that does not validate.
     ///
-    /// The subcommand is the first word that doesn't begin with "-". But where the command alone
-    /// takes a path, all that is left may read as paths (the first word and every other one that
-    /// doesn't begin with "-", by looksLikePath()): then there is none. So "settings ./site" lists
-    /// a project, a bare folder name has to be written "./name", and a mistyped or forgotten
+    /// The first word that does not begin with "-" is the subcommand. There is one exception. If
+    /// the command alone takes a path, and that word and every other word that does not begin with
+    /// "-" look like paths (see looksLikePath()), then all of them are paths. So "settings ./site"
+    /// lists a project, a bare folder name must be typed as "./name", and a mistyped or forgotten
     /// subcommand is still reported.
     void takeSubcommand();
 
-    /// Reports the first of the options taken so far that nobody could read: see Option.
-    void validateValues() const;
-
-    /// What the line is for; before takeSubcommand() the command alone.
+    /// Returns the row of the subcommand, or of the command alone before takeSubcommand().
     [[nodiscard]] const Command& command() const { return *command_; }
 
-    /// The text that was given with an option of that word, or null. Any option may be asked for;
-    /// what follows is for those that the command lists.
+    /// Returns the text given with the option, or with any other option of the same word, or null.
+    /// Completion may ask for options that are not in the command's row.
     [[nodiscard]] const std::string* find(const Option& option) const;
 
-    [[nodiscard]] bool has(const Option& option) const { return listed(option) != nullptr; }
+    /// Returns whether the option was given.
+    [[nodiscard]] bool has(const Option& option) const { return givenText(option) != nullptr; }
 
-    /// What was given with the option, if it was given.
+    /// Returns the value given with the option, if it was given.
     template <class Type>
-    [[nodiscard]] std::optional<typename Type::Value> value(const Type& option) const {
-        const std::string* text = listed(option);
+    [[nodiscard]] std::optional<typename Type::Value> optionalValue(const Type& option) const {
+        const std::string* const text = givenText(option);
         return text == nullptr ? std::nullopt : std::optional(option.read(*text));
     }
-    [[nodiscard]] std::optional<std::string> value(const Path& option) const;
 
-    /// The same for a number that has one it defaultText is.
-    [[nodiscard]] std::int64_t value(const WholeNumber& option) const;
-    [[nodiscard]] double value(const Decimal& option) const;
-
-    /// What was given with the option; else throws `missingValue` of it.
+    /// Returns the value given with the option, or the option's default.
     template <class Type>
-    [[nodiscard]] typename Type::Value require(const Type& option) const {
-        return option.read(requireText(option));
+    [[nodiscard]] typename Type::Value valueOrDefault(const Type& option) const {
+        return optionalValue(option).value_or(option.defaultValue());
     }
 
-    /// The path that the option names, or the current directory.
+    /// Returns the value given with the option. Throws `missingValue` with the option's word if it
+    /// was not given.
+    template <class Type>
+    [[nodiscard]] typename Type::Value requiredValue(const Type& option) const {
+        return option.read(requiredText(option));
+    }
+
+    /// Returns the resolved path given with the option, if it was given.
+    [[nodiscard]] std::optional<std::string> optionalPath(const Path& option) const;
+
+    /// Returns the resolved path given with the option, or the current directory.
     [[nodiscard]] std::string pathOrCurrentDirectory(const Path& option) const;
 
-    /// The first word that doesn't begin with "-"; `missingValue` of the command when there is
-    /// none.
+    /// Takes the first word that does not begin with "-". Throws `missingValue` with the command's
+    /// name if there is none.
     std::string takeRequiredWord();
 
-    /// The case that such a word names; else throws `unknownCommand` of the command and the word.
+    /// Returns the case with this word. Throws `unknownCommand` with the command's name and the
+    /// word if there is none.
     template <WireEnum Enumeration>
     [[nodiscard]] Enumeration subcommandNamed(const std::string& word) const {
         const auto named = fromWireName<Enumeration>(word);
-        return named ? *named : throw unknownSubcommand(word);
+        if (!named) {
+            throw unknownSubcommand(word);
+        }
+        return *named;
     }
 
-    /// All words left as resolved paths, those that begin with a single dash included:
-    /// `unknownOption` when one begins with "--". May be empty.
+    /// Takes all remaining words as resolved paths, also words that begin with a single dash.
+    /// Throws `unknownOption` for a word that begins with "--". The result may be empty.
     std::vector<std::string> takePaths();
 
-    /// The same, but `missingPath` of the command when there is none.
+    /// Like takePaths(), but throws `missingPath` with the command's name if there is no word.
     std::vector<std::string> takeRequiredPaths();
 
-    /// The first of takePaths(), or the current directory when there is none. Further paths are
-    /// ignored.
+    /// Returns the first of takePaths(), or the current directory if there is none. Ignores further
+    /// paths.
     std::string takePathOrCurrentDirectory();
 
-    /// The option that is the last word and so lacks its value, or null.
+    /// Returns the option that is the last word and therefore lacks its value, or null.
     [[nodiscard]] const Option* unfinishedOption() const;
 
     [[nodiscard]] const CurrentDirectory& currentDirectory() const { return *currentDirectory_; }
 
 private:
     void take(std::span<const Option* const> options);
+    void takeOption(const Option& option);
     [[nodiscard]] AgentCLIUsageError unknownSubcommand(const std::string& word) const;
-    [[nodiscard]] const std::string* listed(const Option& option) const;
-    [[nodiscard]] const std::string& requireText(const Option& option) const;
+    [[nodiscard]] const std::string* givenText(const Option& option) const;
+    [[nodiscard]] const std::string& requiredText(const Option& option) const;
 
     const Command* command_ = nullptr;
     const CurrentDirectory* currentDirectory_;
+    Validation validation_;
     std::vector<TakenOption> taken_;
 };
 
-/// What a command line without its global options asks for. Throws AgentCLIUsageError,
-/// json::EncodingError or CurrentDirectoryError.
+/// Returns the action that a command line without its global options asks for. Throws
+/// AgentCLIUsageError, json::EncodingError or CurrentDirectoryError.
 AgentCLIAction parseCommand(std::vector<std::string> words,
                             const CurrentDirectory& currentDirectory);
 

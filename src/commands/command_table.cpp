@@ -1,12 +1,6 @@
 #include "commands/command_table.h"
 
-#include "commands/collections.h"
-#include "commands/files.h"
-#include "commands/general.h"
-#include "commands/packages.h"
-#include "commands/projects.h"
-#include "commands/settings.h"
-#include "commands/work.h"
+#include "commands/families.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +16,7 @@ constexpr std::array<Family, 7> families{generalCommands,   workCommands,     pa
                                          projectCommands,   settingsCommands, filesCommands,
                                          collectionCommands};
 
-/// The first command of which the condition holds, or null.
+/// Returns the first row for which the condition holds, or null.
 template <class Condition>
 const Command* firstCommand(Condition condition) {
     for (const Family family : families) {
@@ -33,6 +27,10 @@ const Command* firstCommand(Condition condition) {
         }
     }
     return nullptr;
+}
+
+bool isSubcommandOf(const Command& other, const Command& command) {
+    return other.word == command.word && !other.subcommand.empty();
 }
 
 } // namespace
@@ -47,17 +45,23 @@ std::vector<const Command*> allCommands() {
     return all;
 }
 
-const Command* findCommand(std::string_view word, std::string_view subcommand) {
+const Command* findCommand(std::string_view word) {
     return firstCommand([=](const Command& command) {
-        const bool isAlias = std::count(command.aliases.begin(), command.aliases.end(), word) > 0;
-        return (command.word == word || isAlias) && command.subcommand == subcommand;
+        const auto& aliases = command.aliases;
+        const bool isAlias = std::find(aliases.begin(), aliases.end(), word) != aliases.end();
+        return (command.word == word || isAlias) && command.subcommand.empty();
+    });
+}
+
+const Command* findSubcommand(const Command& command, std::string_view word) {
+    return firstCommand([&](const Command& other) {
+        return isSubcommandOf(other, command) && other.subcommand == word;
     });
 }
 
 bool hasSubcommands(const Command& command) {
-    return firstCommand([&](const Command& other) {
-               return other.word == command.word && !other.subcommand.empty();
-           }) != nullptr;
+    return firstCommand([&](const Command& other) { return isSubcommandOf(other, command); }) !=
+           nullptr;
 }
 
 } // namespace fernlow

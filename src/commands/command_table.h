@@ -7,14 +7,16 @@
 
 namespace fernlow {
 
-/// Every command, family by family in the order of the help text; a command alone stands in front
-/// of its subcommands.
+/// Returns the rows of all commands, one family after the other. The row of a command alone stands
+/// before the rows of its subcommands.
 std::vector<const Command*> allCommands();
 
-/// The command with that word or alias and that subcommand (empty for the command alone), or null.
-const Command* findCommand(std::string_view word, std::string_view subcommand);
+/// Returns the row of the command with this word or alias, or null.
+const Command* findCommand(std::string_view word);
 
-/// Whether the command has subcommands.
+/// Returns the row of the command's subcommand with this word, or null.
+const Command* findSubcommand(const Command& command, std::string_view word);
+
 bool hasSubcommands(const Command& command);
 
 } // namespace fernlow

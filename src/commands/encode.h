@@ -18,8 +18,8 @@
 #include <variant>
 #include <vector>
 
-/// Makes the struct around it a request record: names its fields in wire order, once (the names and
-/// the members come from one list). It stands behind the members.
+/// Makes the enclosing struct a request record. The arguments are the struct's members in the order
+/// in which they are sent. Place it after the members.
 #define FERNLOW_WIRE_FIELDS(...)                                                                   \
     static constexpr std::string_view wireFieldNames = #__VA_ARGS__;                               \
     auto wireFields() const {                                                                      \
@@ -28,14 +28,14 @@
 
 namespace fernlow {
 
-/// A request record: a struct with FERNLOW_WIRE_FIELDS.
+/// A request record: a struct that uses FERNLOW_WIRE_FIELDS.
 template <class Type>
 concept WireRecord = requires(const Type& record) {
     { Type::wireFieldNames } -> std::convertible_to<std::string_view>;
     record.wireFields();
 };
 
-/// Writes the members of one JSON object: an overload for each type that travels.
+/// Writes the members of one JSON object, with an overload for each type of member.
 class RecordEncoder {
 public:
     template <WireRecord Record>
@@ -43,7 +43,7 @@ public:
         std::string_view names = Record::wireFieldNames;
         const auto nextName = [&names] {
             const std::string_view name = names.substr(0, names.find_first_of(", "));
-            // The compiler writes blanks as they stand in the source.
+            // The blanks after the commas depend on how the compiler stringizes the arguments.
             names.remove_prefix(std::min(names.find_first_not_of(", ", name.size()), names.size()));
             return name;
         };
@@ -70,7 +70,7 @@ private:
         }
     }
 
-    // The name is for the sentence that says why a value cannot be written.
+    // The error message for a value that cannot be written contains the member's name.
     void value(std::string_view /*name*/, bool value) { json::appendBoolean(out_, value); }
     void value(std::string_view /*name*/, std::int64_t value) { json::appendInteger(out_, value); }
     void value(std::string_view /*name*/, std::uint64_t value) {
@@ -84,13 +84,9 @@ private:
         json::appendText(out_, wireName(value));
     }
     void value(std::string_view name, const AgentSettingValue& setting) {
-        std::visit([&](const auto& kind) { this->payload(name, kind); }, setting.kind);
+        std::visit([&](const auto& payload) { this->value(name, payload); }, setting.kind);
     }
-    template <class Kind>
-    void payload(std::string_view name, const Kind& kind) {
-        value(name, kind.value);
-    }
-    void payload(std::string_view /*name*/, const AgentSettingValue::absent& /*kind*/) {
+    void value(std::string_view /*name*/, const AgentSettingValue::absent& /*value*/) {
         out_ += "null";
     }
     template <class Element>
@@ -116,14 +112,14 @@ private:
     std::string out_;
 };
 
-/// The record as one compact JSON object in UTF-8: its fields in wire order, absent ones left out.
-/// Throws json::EncodingError when a text is not UTF-8 or a decimal is not finite.
+/// Returns the record as one compact JSON object in UTF-8. Leaves absent fields out. Throws
+/// json::EncodingError if a text is not UTF-8 or a decimal is not finite.
 template <WireRecord Record>
 std::string encode(const Record& record) {
     return RecordEncoder().encode(record);
 }
 
-/// The action that posts a record.
+/// Returns the action that posts the record. Throws like encode().
 template <WireRecord Record>
 AgentCLIAction post(std::string_view path, const Record& record) {
     return {AgentCLIAction::post{std::string(path), encode(record)}};

@@ -1,8 +1,7 @@
-#include "commands/files.h"
-
 #include "commands/command_line.h"
+#include "commands/families.h"
 #include "commands/options.h"
-#include "commands/projects.h"
+#include "commands/requests.h"
 #include "commands/setting_values.h"
 #include "commands/usage_error.h"
 
@@ -16,7 +15,7 @@
 
 namespace fernlow {
 
-/// What becomes of a file.
+/// What the application does with a file.
 enum class AgentOutputAction { compile, ignore, copy };
 template <>
 inline constexpr auto wireNames<AgentOutputAction> =
@@ -27,9 +26,8 @@ namespace {
 using namespace options;
 using namespace operands;
 
-constexpr Text onlyLanguage{ofLanguage.word,
-                            {ValueKind::language, "name", "every language"},
-                            "Only files of this language"};
+constexpr auto onlyLanguage =
+    ofLanguage.describedAs("Only files of this language", "every language");
 constexpr Choice<AgentOutputAction> onlyAction{"--action", "Only files with this output action"};
 constexpr Flag folders{"--folders", "Include folders"};
 constexpr Flag shadowItems{"--shadow-items", "Include files imported from outside the project"};
@@ -52,12 +50,12 @@ struct AgentFileListRequest {
 AgentCLIAction parseFiles(CommandLine& line) {
     AgentFileListRequest request;
     request.path = line.takePathOrCurrentDirectory();
-    request.language = line.value(onlyLanguage);
-    request.outputAction = line.value(onlyAction);
+    request.language = line.optionalValue(onlyLanguage);
+    request.outputAction = line.optionalValue(onlyAction);
     request.includeFolders = line.has(folders);
     request.includeShadowItems = line.has(shadowItems);
-    request.limit = line.value(limit);
-    request.offset = line.value(offset);
+    request.limit = line.valueOrDefault(limit);
+    request.offset = line.valueOrDefault(offset);
     return post("/v1/files", request);
 }
 
@@ -66,7 +64,7 @@ AgentCLIAction parseFileSettings(CommandLine& line) {
 }
 
 constexpr Operand fileChanges{{ValueKind::fileSetting, "key=value"}, false, true};
-constexpr Choice<AgentOutputAction> setAction{onlyAction.word, "What becomes of the file"};
+constexpr auto setAction = onlyAction.describedAs("What becomes of the file");
 constexpr Path outputFolder{
     "--output-folder", {ValueKind::folder, "path"}, "Write the file's output into this folder"};
 constexpr Text outputName{
@@ -83,8 +81,8 @@ struct AgentFilePatch {
     FERNLOW_WIRE_FIELDS(path, outputAction, outputFolder, outputFilename, values, literals)
 };
 
-/// Takes the one file from the words of "files set" and leaves its settings: a word with a "=" is a
-/// setting, so a file with one in its name cannot be named.
+/// Takes the only file from the words of "files set" and leaves the settings. A word with "=" is a
+/// setting, so "files set" cannot change a file with "=" in its name.
 std::string takeFileWord(std::vector<std::string>& words, const Command& command) {
     const auto isSetting = [](const std::string& word) {
         return word.find('=') != std::string::npos;
@@ -107,27 +105,26 @@ AgentCLIAction parseFileSet(CommandLine& line) {
     auto settings = line.takeRemainingWords();
     const std::string file = takeFileWord(settings, line.command());
     patch.literals = parseLiteralWords(settings);
-    patch.values = line.value(values).value_or(SettingValues());
-    // A name alone changes nothing: without a folder the application has nowhere to apply it.
+    patch.values = line.valueOrDefault(values);
+    // An output name alone changes nothing, because the application only uses it with a folder.
     if (patch.literals.empty() && patch.values.empty() && !line.has(setAction) &&
         !line.has(outputFolder)) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingValue{line.command().name()});
     }
     patch.path = resolvePath(file, line.currentDirectory());
-    patch.outputAction = line.value(setAction);
-    patch.outputFolder = line.value(outputFolder);
-    patch.outputFilename = line.value(outputName);
+    patch.outputAction = line.optionalValue(setAction);
+    patch.outputFolder = line.optionalPath(outputFolder);
+    patch.outputFilename = line.optionalValue(outputName);
     return post("/v1/files/set", patch);
 }
 
 constexpr Operand anyFile{{ValueKind::file, "file"}};
-constexpr Text fileLanguage{
-    ofLanguage.word, {ValueKind::language, "name"}, "What the files of this language have"};
+constexpr auto fileLanguage = ofLanguage.describedAs("What the files of this language have");
 
 AgentCLIAction parseFileSchema(CommandLine& line) {
     AgentFileSchemaRequest request;
     const auto paths = line.takePaths();
-    request.language = line.value(fileLanguage);
+    request.language = line.optionalValue(fileLanguage);
     if (!paths.empty()) {
         request.path = paths.front();
     } else if (!request.language) {
@@ -137,11 +134,8 @@ AgentCLIAction parseFileSchema(CommandLine& line) {
 }
 
 constexpr Operand someFolders{{ValueKind::folder, "folder"}, true, true};
-// Unlike the other timeouts this one travels as typed, whatever its size.
-constexpr Decimal unboundedTimeout{timeout.word,
-                                   timeout.value.name,
-                                   {.defaultValue = timeout.value.range.defaultValue},
-                                   timeout.summary};
+// Unlike the other timeouts, this timeout is sent as typed, whatever its size.
+constexpr auto unboundedTimeout = timeout.unbounded();
 
 struct AgentSkipFoldersRequest {
     std::vector<std::string> paths;
@@ -156,9 +150,9 @@ AgentCLIAction postSkip(CommandLine& line, bool skipped) {
     request.paths = line.takeRequiredPaths();
     request.skipped = skipped;
     request.wait = !line.has(noWait);
-    request.timeoutSeconds = line.value(unboundedTimeout);
+    request.timeoutSeconds = line.valueOrDefault(unboundedTimeout);
     if (!std::isfinite(request.timeoutSeconds)) {
-        // Else it would be told by the name that it has on the wire.
+        // The encoder would name the field of the record instead of the option.
         throw json::EncodingError("\"" + std::string(timeout.word) + json::notFinite);
     }
     return post("/v1/files/skip", request);

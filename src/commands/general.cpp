@@ -1,6 +1,5 @@
-#include "commands/general.h"
-
 #include "commands/command_line.h"
+#include "commands/families.h"
 
 #include <array>
 
@@ -15,10 +14,6 @@ AgentCLIAction get(const CommandLine& line, const char* path) {
 
 AgentCLIAction parseStatus(CommandLine& line) {
     return get(line, "/v1/status");
-}
-
-AgentCLIAction parseProjects(CommandLine& line) {
-    return get(line, "/v1/projects");
 }
 
 AgentCLIAction parseSchema(CommandLine& line) {
@@ -40,7 +35,6 @@ constexpr auto commands = std::to_array<Command>({
     {.word = "status",
      .summary = "What Fernlow is doing, and the current log cursor",
      .parse = parseStatus},
-    {.word = "projects", .summary = "Every project and framework", .parse = parseProjects},
     {.word = "schema", .summary = "The whole API, with notes", .parse = parseSchema},
     {.word = "help",
      .summary = "The whole manual",

@@ -10,15 +10,15 @@ namespace fernlow {
 
 namespace {
 
-[[noreturn]] void fail(const Option& option, std::string_view text) {
-    throw AgentCLIUsageError(
+AgentCLIUsageError notANumber(const Option& option, std::string_view text) {
+    return AgentCLIUsageError(
         AgentCLIUsageError::notANumber{std::string(option.word), std::string(text)});
 }
 
 std::int64_t readWholeNumber(const Option& option, const std::string& text) {
     const auto number = number::readInteger(text);
     if (!number) {
-        fail(option, text);
+        throw notANumber(option, text);
     }
     return *number;
 }
@@ -26,73 +26,78 @@ std::int64_t readWholeNumber(const Option& option, const std::string& text) {
 std::uint64_t readCursor(const Option& option, const std::string& text) {
     const std::int64_t cursor = readWholeNumber(option, text);
     if (cursor < 0) {
-        fail(option, text);
+        throw notANumber(option, text);
     }
     return static_cast<std::uint64_t>(cursor);
 }
 
 double readDecimal(const Option& option, const std::string& text) {
-    // strtod skips leading blanks and reads hexadecimal and "nan(...)"; none of them is a decimal
-    // number here. No locale is ever set in this process, so the point is a point.
-    if (text.empty() || text.find_first_of(" \t\n\v\f\rxX(") != std::string::npos) {
-        fail(option, text);
-    }
+    // strtod also accepts leading blanks, hexadecimal digits and "nan(...)", which are not decimal
+    // numbers here. The decimal point is always ".", because this process never sets a locale.
+    const bool hasOtherSyntax = text.find_first_of(" \t\n\v\f\rxX(") != std::string::npos;
     char* end = nullptr;
     const double number = std::strtod(text.c_str(), &end);
-    if (end != text.c_str() + text.size()) {
-        fail(option, text);
+    if (text.empty() || hasOtherSyntax || end != text.c_str() + text.size()) {
+        throw notANumber(option, text);
     }
     return number;
 }
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = std::min(text.find_first_not_of(" \t"), text.size());
-    text.remove_prefix(first);
-    return text.substr(0, text.find_last_not_of(" \t") + 1);
+template <class Number>
+Number clamped(Number number, const NumberRange& range) {
+    // The negated comparison is also true for "nan", which therefore becomes the minimum.
+    if (range.min && !(number >= static_cast<Number>(*range.min))) {
+        return static_cast<Number>(*range.min);
+    }
+    if (range.max && number > static_cast<Number>(*range.max)) {
+        return static_cast<Number>(*range.max);
+    }
+    return number;
 }
 
-/// `typed` is what to report.
-std::size_t placeOf(const Option& option, std::string_view word, std::string_view typed) {
-    const auto& choices = option.value.choices;
-    const auto found = std::find(choices.begin(), choices.end(), word);
-    if (found == choices.end()) {
-        fail(option, typed);
-    }
-    return static_cast<std::size_t>(found - choices.begin());
+std::string_view withoutBlanksAround(std::string_view text) {
+    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+    text.remove_prefix(begin);
+    return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
 } // namespace
 
-std::size_t choiceIn(const Option& option, const std::string& text) {
-    return placeOf(option, text, text);
+std::size_t indexOfChoice(const Option& option, const std::string& text) {
+    const auto& choices = option.value.choices;
+    const auto found = std::find(choices.begin(), choices.end(), text);
+    if (found == choices.end()) {
+        throw notANumber(option, text);
+    }
+    return static_cast<std::size_t>(found - choices.begin());
 }
 
-std::vector<std::size_t> choicesIn(const Option& option, const std::string& text) {
-    std::vector<std::size_t> places;
-    for (std::size_t begin = 0; !text.empty() && begin <= text.size();) {
+std::vector<std::size_t> indexesOfChoices(const Option& option, const std::string& text) {
+    std::vector<std::size_t> indexes;
+    if (text.empty()) {
+        return indexes;
+    }
+    const auto& choices = option.value.choices;
+    std::size_t begin = 0;
+    while (begin <= text.size()) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
         const auto piece = std::string_view(text).substr(begin, end - begin);
-        places.push_back(placeOf(option, trimmed(piece), piece));
+        const auto found = std::find(choices.begin(), choices.end(), withoutBlanksAround(piece));
+        if (found == choices.end()) {
+            throw notANumber(option, piece);
+        }
+        indexes.push_back(static_cast<std::size_t>(found - choices.begin()));
         begin = end + 1;
     }
-    return places;
+    return indexes;
 }
 
 std::int64_t WholeNumber::read(const std::string& text) const {
-    return std::clamp(readWholeNumber(*this, text), value.range.min, value.range.max);
+    return clamped(readWholeNumber(*this, text), value.range);
 }
 
 double Decimal::read(const std::string& text) const {
-    double number = readDecimal(*this, text);
-    const auto& [min, max, defaultValue] = value.range;
-    // Negated, so that "nan" is taken for too little.
-    if (min != NumberRange::noMin && !(number >= static_cast<double>(min))) {
-        number = static_cast<double>(min);
-    }
-    if (max != NumberRange::noMax) {
-        number = std::min(number, static_cast<double>(max));
-    }
-    return number;
+    return clamped(readDecimal(*this, text), value.range);
 }
 
 std::uint64_t Cursor::read(const std::string& text) const {
@@ -111,7 +116,7 @@ void Option::validate(const std::string& text) const {
         readCursor(*this, text);
         return;
     case ValueKind::choiceList:
-        choicesIn(*this, text);
+        indexesOfChoices(*this, text);
         return;
     default:
         return;

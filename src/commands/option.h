@@ -4,33 +4,32 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// Options as typed constants. A parser asks for the constant and gets a value of its type;
-/// completion and the tests of the pages read from it what it means to a person.
+/// Options as typed constants. A parser asks for a constant and receives a value of the constant's
+/// type. Completion and the tests of the pages read its description.
 namespace fernlow {
 
-/// What the value of an option, or a word that is no option, stands for.
+/// The meaning of an option's value, or of an operand.
 enum class ValueKind {
-    /// A flag: no value follows.
+    /// The option is a flag: it has no value.
     flag,
     wholeNumber,
     decimal,
-    /// Only the person who types it can know it.
+    /// Free text, which completion cannot offer.
     text,
-    /// One of the named choices.
+    /// One of the choices.
     choice,
-    /// Any of the named choices, separated by commas; may be empty.
+    /// Any of the choices, separated by commas. May be empty.
     choiceList,
     json,
     file,
     folder,
-    /// The first of those that only the application knows.
+    /// The first kind whose values only the application knows. All later kinds are of that sort.
     project,
     /// A project that is not a framework, which has a fixed group.
     movableProject,
@@ -39,10 +38,10 @@ enum class ValueKind {
     /// A group that a person made, so that it can be changed.
     userGroup,
     language,
-    /// The file extension of a language that a person has defined.
+    /// The file extension of a user-defined language.
     extension,
-    /// key=value, with a setting's name as the key: of a project, of the defaults, of a file, of a
-    /// row of a collection.
+    /// key=value, where the key is the name of a setting: of a project, of the defaults, of a file,
+    /// or of a row of a collection.
     setting,
     defaultSetting,
     fileSetting,
@@ -54,46 +53,45 @@ enum class ValueKind {
 // The empty initialisers let tables leave members out without a warning.
 // NOLINTBEGIN(readability-redundant-member-init)
 
-/// What a number is brought into; one without a bound on a side is sent as typed there.
+/// The range a number is clamped to. A missing bound leaves that side unclamped.
 struct NumberRange {
-    static constexpr std::int64_t noMin = std::numeric_limits<std::int64_t>::min();
-    static constexpr std::int64_t noMax = std::numeric_limits<std::int64_t>::max();
-
-    std::int64_t min = noMin;
-    std::int64_t max = noMax;
-    /// Used when the option isn't given.
-    std::optional<std::int64_t> defaultValue{};
+    std::optional<std::int32_t> min{};
+    std::optional<std::int32_t> max{};
+    /// The number used when the option is not given.
+    std::optional<std::int32_t> defaultValue{};
 };
 
+/// Describes the value of an option, or an operand.
 struct ValueDescription {
     ValueKind kind = ValueKind::flag;
-    /// What stands for it in a synopsis, without angle brackets; the unit of a number that has one.
+    /// The placeholder in a synopsis, without angle brackets; for a number with a unit, the unit.
     std::string_view name{};
-    /// What holds when it isn't given, in a few words; a number has that in its range.
+    /// What applies when no value is given, in a few words. Numbers use range.defaultValue instead.
     std::string_view defaultText{};
     std::span<const std::string_view> choices{};
     NumberRange range{};
 };
 
-/// What all options have. Two with one word mean different things to different commands.
+/// The members that all types of option share. Several commands may have different options with the
+/// same word, so an option is identified by its address.
 struct Option {
-    /// With its dashes.
+    /// The word on the command line, with its dashes.
     std::string_view word;
     ValueDescription value{};
-    /// One line without a full stop, as are all summaries here.
+    /// One line without a full stop.
     std::string_view summary;
     /// The option that contradicts this one. Only one option of a pair names the other.
     const Option* opposite = nullptr;
 
-    /// Throws `notANumber` when no command can make anything of the text: a number that is none, a
-    /// list with a piece that is no choice. What is one of several choices, or JSON, only its
-    /// parser looks at.
+    /// Throws `notANumber` if no command accepts the text: a malformed number, or a list with an
+    /// unknown choice. A single choice and a JSON text are validated when a parser reads them,
+    /// because other mistakes are reported first.
     void validate(const std::string& text) const;
 };
 
 // NOLINTEND(readability-redundant-member-init)
 
-/// An option that was taken off a command line, with its value; a flag's is empty.
+/// An option taken off a command line, with its value. A flag's value is empty.
 struct TakenOption {
     const Option* option;
     std::string value;
@@ -105,64 +103,93 @@ struct Flag : Option {
         : Option{name, {}, meaning, contrary} {}
 };
 
-/// A text that is sent as it was typed.
-struct Text : Option {
+/// The options that several commands describe in different ways. Each description is an option of
+/// its own, derived from a shared one.
+template <class Type>
+struct DescribedOption : Option {
+    /// Returns this option with another summary and another text for its default.
+    [[nodiscard]] constexpr Type describedAs(std::string_view otherSummary,
+                                             std::string_view defaultText = {}) const {
+        Type variant = static_cast<const Type&>(*this);
+        variant.summary = otherSummary;
+        variant.value.defaultText = defaultText;
+        return variant;
+    }
+};
+
+/// A text that is sent as typed.
+struct Text : DescribedOption<Text> {
     using Value = std::string;
-    constexpr Text(std::string_view name, ValueDescription form, std::string_view meaning)
-        : Option{name, form, meaning, {}} {}
+    constexpr Text(std::string_view name, ValueDescription description, std::string_view meaning)
+        : DescribedOption{{name, description, meaning}} {}
     [[nodiscard]] static std::string read(const std::string& text) { return text; }
+
+    /// Returns this option with values of another kind.
+    [[nodiscard]] constexpr Text ofKind(ValueKind kind) const {
+        Text variant = *this;
+        variant.value.kind = kind;
+        return variant;
+    }
 };
 
 /// A text that is sent as a resolved path.
 struct Path : Option {
-    constexpr Path(std::string_view name, ValueDescription form, std::string_view meaning)
-        : Option{name, form, meaning, {}} {}
+    constexpr Path(std::string_view name, ValueDescription description, std::string_view meaning)
+        : Option{name, description, meaning} {}
+
+    /// Returns the option whose value is sent as typed.
+    [[nodiscard]] constexpr Text asTyped() const { return {word, value, summary}; }
 };
 
-/// An optional sign and ASCII digits, within 64 bits; brought into its range.
+/// An optional sign and ASCII digits, within 64 bits. Clamped to the range.
 struct WholeNumber : Option {
     using Value = std::int64_t;
     constexpr WholeNumber(std::string_view name, std::string_view unit, NumberRange range,
                           std::string_view meaning)
-        : Option{name, {ValueKind::wholeNumber, unit, {}, {}, range}, meaning, {}} {}
+        : Option{name, {ValueKind::wholeNumber, unit, {}, {}, range}, meaning} {}
     [[nodiscard]] std::int64_t read(const std::string& text) const;
-    /// What holds when it isn't given; 0 for one that has no such number.
+    /// Returns the number used when the option is not given, or 0 if there is none.
     [[nodiscard]] constexpr std::int64_t defaultValue() const {
         return value.range.defaultValue.value_or(0);
     }
 };
 
-/// A decimal number, "inf" and "nan" included, brought into its range: beyond the range of a double
-/// it is infinite, and "nan" becomes the least where there is one.
+/// A decimal number, "inf" or "nan". Clamped to the range: "nan" becomes the minimum, if there is
+/// one. A number beyond the range of a double is infinite.
 struct Decimal : Option {
     using Value = double;
     constexpr Decimal(std::string_view name, std::string_view unit, NumberRange range,
                       std::string_view meaning)
-        : Option{name, {ValueKind::decimal, unit, {}, {}, range}, meaning, {}} {}
+        : Option{name, {ValueKind::decimal, unit, {}, {}, range}, meaning} {}
     [[nodiscard]] double read(const std::string& text) const;
-    /// What holds when it isn't given; 0 for one that has no such number.
+    /// Returns the number used when the option is not given, or 0 if there is none.
     [[nodiscard]] constexpr double defaultValue() const {
-        return static_cast<double>(value.range.defaultValue.value_or(0));
+        return value.range.defaultValue.value_or(0);
+    }
+
+    /// Returns this option with the same default but without a minimum and a maximum.
+    [[nodiscard]] constexpr Decimal unbounded() const {
+        return {word, value.name, {.defaultValue = value.range.defaultValue}, summary};
     }
 };
 
-/// A place in the log: a whole number that is not negative.
-struct Cursor : Option {
+/// A position in the log: a whole number that is not negative.
+struct Cursor : DescribedOption<Cursor> {
     using Value = std::uint64_t;
-    constexpr Cursor(std::string_view name, std::string_view meaning,
-                     std::string_view defaultText = {})
-        : Option{name, {ValueKind::logCursor, "cursor", defaultText}, meaning, {}} {}
+    constexpr Cursor(std::string_view name, std::string_view meaning)
+        : DescribedOption{{name, {ValueKind::logCursor, "cursor"}, meaning}} {}
     [[nodiscard]] std::uint64_t read(const std::string& text) const;
 };
 
-/// The places among the option's choices of those that a text names, separated by commas and
-/// perhaps blanks; none in an empty text. Throws `notANumber` of a piece that names none, as it was
+/// Returns the index of the choice that equals the text. Throws `notANumber` if there is none.
+std::size_t indexOfChoice(const Option& option, const std::string& text);
+
+/// Returns the indexes of the choices that the text lists, separated by commas with optional blanks
+/// around them. An empty text lists none. Throws `notANumber` with the first unknown piece, as
 /// typed.
-std::vector<std::size_t> choicesIn(const Option& option, const std::string& text);
+std::vector<std::size_t> indexesOfChoices(const Option& option, const std::string& text);
 
-/// The place of the one that the whole text names, matched exactly; else throws `notANumber`.
-std::size_t choiceIn(const Option& option, const std::string& text);
-
+/// Describes a value that is one case of the enumeration.
 template <WireEnum Enumeration>
 constexpr ValueDescription choiceOf(std::string_view name, std::string_view defaultText = {}) {
     return {ValueKind::choice, name, defaultText, wireNames<Enumeration>};
@@ -170,17 +197,17 @@ constexpr ValueDescription choiceOf(std::string_view name, std::string_view defa
 
 /// One case of an enumeration.
 template <WireEnum Enumeration>
-struct Choice : Option {
+struct Choice : DescribedOption<Choice<Enumeration>> {
     using Value = Enumeration;
     constexpr Choice(std::string_view name, std::string_view meaning,
                      std::string_view defaultText = {})
-        : Option{name, choiceOf<Enumeration>("name", defaultText), meaning, {}} {}
+        : DescribedOption<Choice>{{name, choiceOf<Enumeration>("name", defaultText), meaning}} {}
     [[nodiscard]] Enumeration read(const std::string& text) const {
-        return static_cast<Enumeration>(choiceIn(*this, text));
+        return static_cast<Enumeration>(indexOfChoice(*this, text));
     }
 };
 
-/// Any cases of an enumeration, in the order in which they are named.
+/// Any cases of an enumeration, in the order in which they are typed.
 template <WireEnum Enumeration>
 struct ChoiceList : Option {
     using Value = std::vector<Enumeration>;
@@ -188,12 +215,11 @@ struct ChoiceList : Option {
                          std::string_view defaultText)
         : Option{name,
                  {ValueKind::choiceList, "lists", defaultText, wireNames<Enumeration>},
-                 meaning,
-                 {}} {}
+                 meaning} {}
     [[nodiscard]] Value read(const std::string& text) const {
         Value cases;
-        for (const std::size_t place : choicesIn(*this, text)) {
-            cases.push_back(static_cast<Enumeration>(place));
+        for (const std::size_t index : indexesOfChoices(*this, text)) {
+            cases.push_back(static_cast<Enumeration>(index));
         }
         return cases;
     }

@@ -2,14 +2,10 @@
 
 #include "commands/command.h"
 
-#include <string>
 #include <string_view>
-#include <vector>
 
-/// The options that stand anywhere, and the options and operands that several families share.
+/// The global options, and the options and operands that several command families share.
 namespace fernlow::options {
-
-// Each is a row of a table: the word, what its value is, and a line for a person.
 
 inline constexpr Flag json{"--json", "Print the reply as JSON"};
 inline constexpr Text socket{"--socket", {ValueKind::file, "path"}, "Talk to another socket"};

@@ -1,7 +1,6 @@
-#include "commands/packages.h"
-
 #include "commands/command_line.h"
 #include "commands/encode.h"
+#include "commands/families.h"
 #include "commands/options.h"
 
 #include <array>
@@ -17,7 +16,7 @@ template <>
 inline constexpr auto wireNames<AgentPackageAction> =
     std::to_array<std::string_view>({"install", "forceInstall", "uninstall", "update", "prune"});
 
-/// The lists of a package.json that hold dependencies.
+/// The lists of dependencies in a package.json.
 enum class AgentDependencyList { production, development, optional, bundle };
 template <>
 inline constexpr auto wireNames<AgentDependencyList> =
@@ -33,18 +32,18 @@ namespace {
 
 using namespace options;
 
-constexpr std::string_view projectsChoice = "the project's own npm settings";
+constexpr std::string_view choiceOfProject = "the project's own npm settings";
 constexpr ChoiceList<AgentDependencyList> install{"--install", "Which lists to install from",
-                                                  projectsChoice};
+                                                  choiceOfProject};
 constexpr ChoiceList<AgentDependencyList> saveTo{
-    "--save-to", "Which lists to record in; empty for none", projectsChoice};
+    "--save-to", "Which lists to record in; empty for none", choiceOfProject};
 constexpr Flag exact{"--exact", "Record the exact version"};
 constexpr Flag noExact{"--no-exact", "Record a range of versions", &exact};
 constexpr Flag packageLock{"--package-lock", "Write package-lock.json"};
 constexpr Flag noPackageLock{"--no-package-lock", "Do not write package-lock.json", &packageLock};
 constexpr Flag raiseLimits{"--raise-limits", "With update: allow a breaking version"};
 
-/// Whatever is absent, the application takes from the project's own npm settings.
+/// For an absent field, the application uses the project's own npm settings.
 struct AgentPackageRequest {
     std::string path;
     AgentPackageAction action = AgentPackageAction::install;
@@ -60,37 +59,42 @@ struct AgentPackageRequest {
                         raiseVersionLimits, wait, timeoutSeconds)
 };
 
-/// The flag wins over its opposite; neither leaves the choice to the project.
+/// Returns whether the flag was given, or nothing if neither the flag nor its opposite was given.
+/// If both were given, the flag prevails.
 std::optional<bool> choice(const CommandLine& line, const Flag& flag, const Flag& opposite) {
-    return line.has(flag) || line.has(opposite) ? std::optional(line.has(flag)) : std::nullopt;
+    if (!line.has(flag) && !line.has(opposite)) {
+        return std::nullopt;
+    }
+    return line.has(flag);
 }
 
 AgentCLIAction parsePackages(CommandLine& line) {
     AgentPackageRequest request;
-    request.install = line.value(install);
-    request.saveTo = line.value(saveTo);
+    request.install = line.optionalValue(install);
+    request.saveTo = line.optionalValue(saveTo);
     request.exactVersions = choice(line, exact, noExact);
     request.updatePackageLock = choice(line, packageLock, noPackageLock);
     request.raiseVersionLimits = line.has(raiseLimits);
     request.wait = !line.has(noWait);
-    request.timeoutSeconds = line.value(timeout);
+    request.timeoutSeconds = line.valueOrDefault(timeout);
     request.path = line.pathOrCurrentDirectory(inProject);
     request.action = line.subcommandNamed<AgentPackageAction>(line.takeRequiredWord());
     request.packages = line.takeRemainingWords();
     return post("/v1/packages", request);
 }
 
+constexpr auto defaultAddress = AgentPreviewAddress::preferred;
+
 struct AgentPreviewRequest {
-    AgentPreviewAddress address = AgentPreviewAddress::preferred;
+    AgentPreviewAddress address = defaultAddress;
     std::optional<std::string> browserBundleID;
-    /// Below the preview root.
+    /// A path below the preview root.
     std::optional<std::string> relativePath;
     FERNLOW_WIRE_FIELDS(address, browserBundleID, relativePath)
 };
 
-constexpr Choice<AgentPreviewAddress> address{"--address",
-                                              "Which of the preview server's addresses",
-                                              wireName(AgentPreviewRequest().address)};
+constexpr Choice<AgentPreviewAddress> address{
+    "--address", "Which of the preview server's addresses", wireName(defaultAddress)};
 constexpr Text browser{"--browser",
                        {ValueKind::text, "bundleID", "Fernlow's choice"},
                        "Which browser, such as com.apple.Safari"};
@@ -99,9 +103,9 @@ constexpr Text page{"--page", {ValueKind::text, "path"}, "A path below the previ
 AgentCLIAction parsePreview(CommandLine& line) {
     AgentPreviewRequest request;
     line.rejectLeftoverWords();
-    request.address = line.value(address).value_or(request.address);
-    request.browserBundleID = line.value(browser);
-    request.relativePath = line.value(page);
+    request.address = line.optionalValue(address).value_or(defaultAddress);
+    request.browserBundleID = line.optionalValue(browser);
+    request.relativePath = line.optionalValue(page);
     return post("/v1/preview", request);
 }
 

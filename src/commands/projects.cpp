@@ -1,7 +1,7 @@
-#include "commands/projects.h"
-
 #include "commands/command_line.h"
+#include "commands/families.h"
 #include "commands/options.h"
+#include "commands/requests.h"
 #include "commands/usage_error.h"
 
 #include <array>
@@ -11,7 +11,7 @@
 
 namespace fernlow {
 
-/// What "watch" does to the watching.
+/// The change that "watch" makes.
 enum class WatchChange { pause, resume };
 template <>
 inline constexpr auto wireNames<WatchChange> = std::to_array<std::string_view>({"pause", "resume"});
@@ -20,6 +20,11 @@ namespace {
 
 using namespace options;
 using namespace operands;
+
+AgentCLIAction parseProjects(CommandLine& line) {
+    line.rejectLeftoverWords();
+    return {AgentCLIAction::get{"/v1/projects"}};
+}
 
 constexpr Operand newProject{{ValueKind::folder, "path", "this directory"}};
 constexpr Flag framework{"--framework", "Add it as a framework"};
@@ -75,7 +80,7 @@ AgentCLIAction parseWatch(CommandLine& line) {
 }
 
 constexpr Text newGroup{"--name", {ValueKind::text, "text"}, "The group, instead of the word"};
-constexpr Text oldGroup{newGroup.word, {ValueKind::userGroup, "text"}, newGroup.summary};
+constexpr auto oldGroup = newGroup.ofKind(ValueKind::userGroup);
 constexpr Operand newGroupName{{ValueKind::text, "name"}, true, false, &newGroup};
 constexpr Operand oldGroupName{{ValueKind::userGroup, "name"}, true, false, &oldGroup};
 constexpr Operand otherGroupName{{ValueKind::text, "to"}, true};
@@ -85,10 +90,10 @@ AgentCLIAction parseGroupList(CommandLine& line) {
     return {AgentCLIAction::get{"/v1/groups"}};
 }
 
-/// The group that --name or else the next word names; neither may be empty. Words left over behind
-/// a group's name are ignored, unlike everywhere else.
-std::string takeGroupName(CommandLine& line) {
-    auto name = line.value(oldGroup).value_or("");
+/// Returns the name given with the option, or else takes the next word. An empty name counts as
+/// missing. Words after a group's name are ignored, unlike in all other commands.
+std::string takeGroupName(CommandLine& line, const Text& nameOption) {
+    std::string name = line.optionalValue(nameOption).value_or("");
     if (name.empty()) {
         name = line.takeFirstWord().value_or("");
     }
@@ -105,7 +110,7 @@ struct AgentGroupAddRequest {
 };
 
 AgentCLIAction parseGroupAdd(CommandLine& line) {
-    return post("/v1/groups/add", AgentGroupAddRequest{takeGroupName(line)});
+    return post("/v1/groups/add", AgentGroupAddRequest{takeGroupName(line, newGroup)});
 }
 
 struct AgentGroupRemoveRequest {
@@ -114,7 +119,7 @@ struct AgentGroupRemoveRequest {
 };
 
 AgentCLIAction parseGroupRemove(CommandLine& line) {
-    return post("/v1/groups/remove", AgentGroupRemoveRequest{takeGroupName(line)});
+    return post("/v1/groups/remove", AgentGroupRemoveRequest{takeGroupName(line, oldGroup)});
 }
 
 struct AgentGroupRenameRequest {
@@ -125,7 +130,7 @@ struct AgentGroupRenameRequest {
 
 AgentCLIAction parseGroupRename(CommandLine& line) {
     AgentGroupRenameRequest request;
-    request.name = takeGroupName(line);
+    request.name = takeGroupName(line, oldGroup);
     request.newName = line.takeFirstWord().value_or("");
     if (request.newName.empty()) {
         throw AgentCLIUsageError(
@@ -147,12 +152,12 @@ struct AgentProjectMoveRequest {
 
 AgentCLIAction parseMove(CommandLine& line) {
     AgentProjectMoveRequest request;
-    request.group = line.value(toGroup);
+    request.group = line.optionalValue(toGroup);
     request.path = line.takePathOrCurrentDirectory();
     return post("/v1/projects/move", request);
 }
 
-constexpr Text projectName{newGroup.word, {ValueKind::text, "text"}, "What to call the project"};
+constexpr auto projectName = newGroup.describedAs("What to call the project");
 
 struct AgentProjectRenameRequest {
     std::string path;
@@ -162,13 +167,14 @@ struct AgentProjectRenameRequest {
 
 AgentCLIAction parseRename(CommandLine& line) {
     AgentProjectRenameRequest request;
-    request.name = line.require(projectName);
+    request.name = line.requiredValue(projectName);
     request.path = line.takePathOrCurrentDirectory();
     return post("/v1/projects/rename", request);
 }
 
 constexpr std::string_view groups = "groups";
 constexpr auto commands = std::to_array<Command>({
+    {.word = "projects", .summary = "Every project and framework", .parse = parseProjects},
     {.word = "add",
      .summary = "Add a folder as a project",
      .operands = operandList<newProject>,

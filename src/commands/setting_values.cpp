@@ -12,29 +12,29 @@ namespace fernlow {
 
 namespace {
 
-/// Nothing when the JSON value is of a form that no setting has.
+/// Returns nothing for an object, or for an array with an element that is not a text.
 std::optional<AgentSettingValue> decodeSettingValue(const json::Value& value) {
     if (value.isNull()) {
-        return AgentSettingValue{AgentSettingValue::absent{}};
+        return AgentSettingValue{AgentSettingValue::absent()};
     }
     if (const auto texts = value.texts()) {
         AgentSettingValue::list list;
         for (const std::string_view each : *texts) {
-            list.value.emplace_back(each);
+            list.emplace_back(each);
         }
         return AgentSettingValue{std::move(list)};
     }
     if (const auto boolean = value.strictBoolean()) {
-        return AgentSettingValue{AgentSettingValue::boolean{*boolean}};
+        return AgentSettingValue{*boolean};
     }
     if (const auto integer = value.integer()) {
-        return AgentSettingValue{AgentSettingValue::integer{*integer}};
+        return AgentSettingValue{*integer};
     }
     if (const auto literal = value.numberLiteral()) {
-        return AgentSettingValue{AgentSettingValue::decimal{number::nearestDouble(*literal)}};
+        return AgentSettingValue{number::nearestDouble(*literal)};
     }
     if (const auto text = value.text()) {
-        return AgentSettingValue{AgentSettingValue::text{std::string(*text)}};
+        return AgentSettingValue{std::string(*text)};
     }
     return std::nullopt;
 }
@@ -81,7 +81,7 @@ SettingValues SettingsObject::read(const std::string& text) const {
 SettingChanges takeChanges(CommandLine& line) {
     SettingChanges changes;
     changes.literals = parseLiteralWords(line.takeRemainingWords());
-    changes.values = line.value(options::values).value_or(SettingValues());
+    changes.values = line.valueOrDefault(options::values);
     if (changes.literals.empty() && changes.values.empty()) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingValue{line.command().name()});
     }

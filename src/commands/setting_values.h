@@ -11,52 +11,45 @@
 
 namespace fernlow {
 
-/// The value of a setting as JSON types it.
+/// The value of a setting, with the type that it has in JSON. `absent` is null.
 struct AgentSettingValue {
-    struct boolean {
-        bool value = false;
-    };
-    struct integer {
-        std::int64_t value = 0;
-    };
-    struct decimal {
-        double value = 0;
-    };
-    struct text {
-        std::string value;
-    };
-    struct list {
-        std::vector<std::string> value;
-    };
-    /// JSON's null.
-    struct absent {};
+    using boolean = bool;
+    using integer = std::int64_t;
+    using decimal = double;
+    using text = std::string;
+    using list = std::vector<std::string>;
+    using absent = std::monostate;
 
     std::variant<boolean, integer, decimal, text, list, absent> kind;
+
+    bool operator==(const AgentSettingValue&) const = default;
 };
 
 using SettingValues = std::map<std::string, AgentSettingValue>;
 using SettingLiterals = std::map<std::string, std::string>;
 
-/// The two ways in which new values are given. Neither is looked at here: which keys exist, what a
-/// literal means and which map prevails is the application's affair.
+/// New values for settings, given in two ways. The application decides which keys exist, what a
+/// literal means, and which map prevails.
 struct SettingChanges {
-    /// Typed, from --values.
+    /// Typed values, from --values.
     SettingValues values;
-    /// As typed after the "=", from key=value words.
+    /// The texts after "=" as typed, from key=value words.
     SettingLiterals literals;
 };
 
-/// Reads key=value words, split at the first "="; the last word for a key wins. Throws
-/// `unexpectedArgument` of the first word without "=" or without a key.
+/// Reads key=value words. The first "=" ends the key. The last word for a key prevails. Throws
+/// `unexpectedArgument` with the first word that has no "=" or no key.
 SettingLiterals parseLiteralWords(const std::vector<std::string>& words);
 
-/// A JSON object whose members are booleans, numbers, texts, lists of texts or null. Reading throws
-/// `notANumber` of the whole text.
+/// A JSON object whose members are booleans, numbers, texts, lists of texts or null. Reading any
+/// other text throws `notANumber` with the whole text.
 struct SettingsObject : Option {
     using Value = SettingValues;
     constexpr SettingsObject(std::string_view name, std::string_view meaning)
-        : Option{name, {ValueKind::json, "json"}, meaning, {}} {}
+        : Option{name, {ValueKind::json, "json"}, meaning} {}
     [[nodiscard]] SettingValues read(const std::string& text) const;
+    /// Returns no values.
+    [[nodiscard]] static SettingValues defaultValue() { return {}; }
 };
 
 namespace options {
@@ -66,8 +59,8 @@ inline constexpr SettingsObject values{"--values",
 
 } // namespace options
 
-/// All the words left and --values together; throws `missingValue` of the command when they change
-/// nothing.
+/// Takes all remaining words as key=value words and reads --values. Throws `missingValue` with the
+/// command's name if both are empty.
 SettingChanges takeChanges(CommandLine& line);
 
 } // namespace fernlow

@@ -1,8 +1,7 @@
-#include "commands/settings.h"
-
 #include "commands/command_line.h"
+#include "commands/families.h"
 #include "commands/options.h"
-#include "commands/projects.h"
+#include "commands/requests.h"
 #include "commands/setting_values.h"
 
 #include <array>
@@ -28,7 +27,7 @@ struct AgentSettingsPatch {
     std::optional<std::string> language;
     /// Names a user-defined language.
     std::optional<std::string> fileExtension;
-    /// A row of a list that the application ships. No option of the command line names one.
+    /// A row of a list that the application ships. No option fills these two fields.
     std::optional<std::string> group;
     std::optional<std::string> row;
     SettingValues values;
@@ -39,8 +38,8 @@ struct AgentSettingsPatch {
 AgentCLIAction parseSettingsSet(CommandLine& line) {
     AgentSettingsPatch patch;
     patch.path = line.pathOrCurrentDirectory(inProject);
-    patch.language = line.value(ofLanguage);
-    patch.fileExtension = line.value(ofExtension);
+    patch.language = line.optionalValue(ofLanguage);
+    patch.fileExtension = line.optionalValue(ofExtension);
     SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
@@ -50,12 +49,11 @@ AgentCLIAction parseSettingsSet(CommandLine& line) {
 AgentCLIAction parseSettingsSchema(CommandLine& line) {
     AgentSettingsSchemaRequest request;
     request.path = line.takePathOrCurrentDirectory();
-    request.language = line.value(ofLanguage);
+    request.language = line.optionalValue(ofLanguage);
     return post("/v1/settings/schema", request);
 }
 
-constexpr Text theLanguage{
-    ofLanguage.word, {ValueKind::language, "name"}, "Which language's output paths"};
+constexpr auto theLanguage = ofLanguage.describedAs("Which language's output paths");
 
 struct AgentApplyOutputPathsRequest {
     std::string path;
@@ -67,9 +65,9 @@ struct AgentApplyOutputPathsRequest {
 
 AgentCLIAction parseApplyOutputPaths(CommandLine& line) {
     AgentApplyOutputPathsRequest request;
-    request.language = line.require(theLanguage);
+    request.language = line.requiredValue(theLanguage);
     request.path = line.takePathOrCurrentDirectory();
-    request.fileExtension = line.value(ofExtension);
+    request.fileExtension = line.optionalValue(ofExtension);
     return post("/v1/settings/apply-output-paths", request);
 }
 
@@ -89,7 +87,7 @@ struct AgentDefaultsPatch {
 
 AgentCLIAction parseDefaultsSet(CommandLine& line) {
     AgentDefaultsPatch patch;
-    patch.language = line.value(ofLanguage);
+    patch.language = line.optionalValue(ofLanguage);
     SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
@@ -98,7 +96,7 @@ AgentCLIAction parseDefaultsSet(CommandLine& line) {
 
 AgentCLIAction parseDefaultsSchema(CommandLine& line) {
     line.rejectLeftoverWords();
-    return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{line.value(ofLanguage)});
+    return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{line.optionalValue(ofLanguage)});
 }
 
 constexpr std::string_view settings = "settings";

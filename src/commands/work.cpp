@@ -1,7 +1,6 @@
-#include "commands/work.h"
-
 #include "commands/command_line.h"
 #include "commands/encode.h"
+#include "commands/families.h"
 #include "commands/options.h"
 
 #include <array>
@@ -14,16 +13,16 @@
 namespace fernlow {
 
 enum class AgentProcessMode {
-    /// As though the files had just been saved: whatever depends on them is rebuilt too.
+    /// As if the files had just been saved: files that depend on them are compiled too.
     asIfSaved,
-    /// Precisely the named files.
+    /// Only the named files.
     exactly,
 };
 template <>
 inline constexpr auto wireNames<AgentProcessMode> =
     std::to_array<std::string_view>({"asIfSaved", "exactly"});
 
-/// In ascending order: as a minimum, a case stands for itself and every later one.
+/// In ascending order, for use as a minimum.
 enum class AgentLogSeverity { success, warning, error };
 template <>
 inline constexpr auto wireNames<AgentLogSeverity> =
@@ -49,8 +48,8 @@ AgentCLIAction parseProcess(CommandLine& line) {
     AgentProcessRequest request;
     request.mode = line.has(exactly) ? AgentProcessMode::exactly : AgentProcessMode::asIfSaved;
     request.wait = !line.has(noWait);
-    request.settleMilliseconds = line.value(settle);
-    request.timeoutSeconds = line.value(timeout);
+    request.settleMilliseconds = line.valueOrDefault(settle);
+    request.timeoutSeconds = line.valueOrDefault(timeout);
     request.paths = line.takeRequiredPaths();
     return post("/v1/process", request);
 }
@@ -69,17 +68,17 @@ struct AgentWaitRequest {
 
 AgentCLIAction parseWait(CommandLine& line) {
     AgentWaitRequest request;
-    request.projectPath = line.value(onlyProject);
-    request.since = line.value(since);
-    request.settleMilliseconds = line.value(settle);
-    request.timeoutSeconds = line.value(timeout);
+    request.projectPath = line.optionalPath(onlyProject);
+    request.since = line.optionalValue(since);
+    request.settleMilliseconds = line.valueOrDefault(settle);
+    request.timeoutSeconds = line.valueOrDefault(timeout);
     line.rejectLeftoverWords();
     return post("/v1/wait", request);
 }
 
-constexpr Cursor logSince{since.word, since.summary, "0, the oldest entries"};
-// The log is also asked about projects that are gone, so the path is matched as it was typed.
-constexpr Text projectAsTyped{onlyProject.word, onlyProject.value, onlyProject.summary};
+constexpr auto logSince = since.describedAs(since.summary, "0, the oldest entries");
+// The log also has entries of projects that no longer exist, so the path is sent as typed.
+constexpr auto projectAsTyped = onlyProject.asTyped();
 constexpr Flag errorsOnly{"--errors-only", "Only errors"};
 
 struct AgentLogQuery {
@@ -92,9 +91,9 @@ struct AgentLogQuery {
 
 AgentCLIAction parseLog(CommandLine& line) {
     AgentLogQuery query;
-    query.since = line.value(logSince).value_or(query.since);
-    query.limit = line.value(limit);
-    query.projectPath = line.value(projectAsTyped);
+    query.since = line.optionalValue(logSince).value_or(query.since);
+    query.limit = line.valueOrDefault(limit);
+    query.projectPath = line.optionalValue(projectAsTyped);
     if (line.has(errorsOnly)) {
         query.minimumSeverity = AgentLogSeverity::error;
     }
@@ -106,7 +105,7 @@ constexpr Flag clean{"--clean", "Empty the Build Folder first, this once"};
 
 struct AgentBuildRequest {
     std::string path;
-    /// Absent leaves the project's own setting in force.
+    /// Absent means the project's own setting.
     std::optional<bool> clean;
     bool wait = true;
     double timeoutSeconds = timeout.defaultValue();
@@ -119,7 +118,7 @@ AgentCLIAction parseBuild(CommandLine& line) {
         request.clean = true;
     }
     request.wait = !line.has(noWait);
-    request.timeoutSeconds = line.value(timeout);
+    request.timeoutSeconds = line.valueOrDefault(timeout);
     request.path = line.takePathOrCurrentDirectory();
     return post("/v1/build", request);
 }
@@ -138,9 +137,9 @@ struct AgentRefreshRequest {
 AgentCLIAction parseRefresh(CommandLine& line) {
     AgentRefreshRequest request;
     request.wait = !line.has(noWait);
-    request.timeoutSeconds = line.value(timeout);
+    request.timeoutSeconds = line.valueOrDefault(timeout);
     if (line.has(everyProject)) {
-        // Paths are ignored then, but unknown options are still refused.
+        // Ignores paths, but reports unknown options.
         line.takeRemainingWords();
     } else {
         request.path = line.takePathOrCurrentDirectory();
@@ -148,7 +147,7 @@ AgentCLIAction parseRefresh(CommandLine& line) {
     return post("/v1/refresh", request);
 }
 
-/// For "check" as well, whose AgentSyntaxCheckRequest has the same four fields.
+/// Also the body of "check", whose AgentSyntaxCheckRequest has the same four fields.
 struct AgentOptimizeRequest {
     std::vector<std::string> paths;
     bool wait = true;
@@ -160,7 +159,7 @@ struct AgentOptimizeRequest {
 AgentOptimizeRequest takeFileWork(CommandLine& line) {
     AgentOptimizeRequest request;
     request.wait = !line.has(noWait);
-    request.timeoutSeconds = line.value(timeout);
+    request.timeoutSeconds = line.valueOrDefault(timeout);
     request.paths = line.takeRequiredPaths();
     return request;
 }

@@ -1,9 +1,7 @@
 #include "completion/known_values.h"
 
-#include "commands/collections.h"
-#include "commands/files.h"
 #include "commands/options.h"
-#include "commands/settings.h"
+#include "commands/requests.h"
 
 #include <algorithm>
 #include <map>

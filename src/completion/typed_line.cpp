@@ -12,7 +12,7 @@ namespace fernlow::completion {
 namespace {
 
 CommandLine parsed(std::vector<std::string> words, const CurrentDirectory& currentDirectory) {
-    CommandLine line(std::move(words), currentDirectory);
+    CommandLine line(std::move(words), currentDirectory, Validation::none);
     line.takeSubcommand();
     return line;
 }

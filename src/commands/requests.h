@@ -1,16 +1,22 @@
 #pragma once
 
-#include "commands/command.h"
 #include "commands/encode.h"
+#include "commands/option.h"
 
 #include <array>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
-/// The collections of a project whose rows are the user's to make and unmake.
+/// The request records that more than one file sends: several command families, or a command family
+/// and completion.
 namespace fernlow {
+
+/// Names a project or a file.
+struct AgentPathRequest {
+    std::string path;
+    FERNLOW_WIRE_FIELDS(path)
+};
 
 enum class AgentCollectionKind { hooks, buildSteps, webpPresets, userLanguages };
 template <>
@@ -36,6 +42,22 @@ struct AgentCollectionSchemaRequest {
     FERNLOW_WIRE_FIELDS(kind)
 };
 
-std::span<const Command> collectionCommands();
+struct AgentSettingsSchemaRequest {
+    std::string path;
+    std::optional<std::string> language;
+    FERNLOW_WIRE_FIELDS(path, language)
+};
+
+struct AgentDefaultsSchemaRequest {
+    std::optional<std::string> language;
+    FERNLOW_WIRE_FIELDS(language)
+};
+
+/// Names a file, or all files of a language.
+struct AgentFileSchemaRequest {
+    std::optional<std::string> path;
+    std::optional<std::string> language;
+    FERNLOW_WIRE_FIELDS(path, language)
+};
 
 } // namespace fernlow
