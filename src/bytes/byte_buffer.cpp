@@ -9,7 +9,8 @@ namespace fernlow {
 
 namespace {
 
-constexpr std::size_t firstCapacity = 64 * std::size_t{1024};
+/// Spares short texts that are built piece by piece several reallocations.
+constexpr std::size_t minCapacity = 1024;
 
 } // namespace
 
@@ -35,12 +36,14 @@ void ByteBuffer::append(std::string_view text) {
 
 char* ByteBuffer::room(std::size_t count) {
     if (capacity_ - end_ < count) {
-        const std::size_t capacity = std::max({firstCapacity, 2 * capacity_, end_ + count});
+        // Twice the bytes that are needed now: the next request of the same size, such as the read
+        // that finds the end of a reply, does not grow the buffer again.
+        const std::size_t capacity = std::max(minCapacity, 2 * (end_ + count));
         auto* grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
         if (grown == nullptr) {
             throw std::bad_alloc();
         }
-        // realloc has taken care of the old block.
+        // realloc has already freed the old block.
         static_cast<void>(bytes_.release());
         bytes_.reset(grown);
         capacity_ = capacity;

@@ -7,12 +7,12 @@
 
 namespace fernlow {
 
-/// Bytes held once, from the socket to the screen: a reply is read straight into one, parsed where
-/// it lies, and written out of it.
+/// A growing array of bytes. A reply is read into one, parsed in place and written from it, so that
+/// its bytes are never copied.
 ///
-/// It differs from std::string where large replies are felt: room for new bytes is not zeroed, it
-/// grows through realloc (which moves pages instead of copying them), and removing a prefix costs
-/// nothing. Growing throws std::bad_alloc. Views into it end with the next call that changes it.
+/// It is faster than std::string for large replies: new bytes are not zeroed, it grows through
+/// realloc (which moves pages instead of copying them), and removing a prefix takes constant time.
+/// Growing throws std::bad_alloc. A change to the buffer invalidates all views of it.
 class ByteBuffer {
 public:
     ByteBuffer() = default;
@@ -27,20 +27,20 @@ public:
 
     void append(std::string_view text);
 
-    /// At least `count` writable, uninitialised bytes behind the last one. What was written there
-    /// becomes part of the buffer with commit().
+    /// Returns at least `count` writable, uninitialised bytes that follow the last byte of the
+    /// buffer. commit() adds the bytes written there to the buffer.
     [[nodiscard]] char* room(std::size_t count);
     void commit(std::size_t count) { end_ += count; }
 
-    /// `count` may not exceed the size.
+    /// Removes the first `count` bytes; the buffer must hold as many.
     void removePrefix(std::size_t count) { begin_ += count; }
 
 private:
-    struct Free {
+    struct Deallocator {
         void operator()(char* bytes) const { std::free(bytes); }
     };
 
-    std::unique_ptr<char, Free> bytes_;
+    std::unique_ptr<char, Deallocator> bytes_;
     std::size_t capacity_ = 0;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;

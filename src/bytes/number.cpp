@@ -15,30 +15,31 @@ namespace fernlow::number {
 
 namespace {
 
-constexpr std::int64_t longestWhole = std::numeric_limits<double>::max_exponent10 + 1;
+constexpr std::int64_t maxWholeDigits = std::numeric_limits<double>::max_exponent10 + 1;
 
-/// With as many decimals in scientific notation every double reads back as itself.
-constexpr int maximumDecimals = std::numeric_limits<double>::max_digits10 - 1;
+/// In scientific notation, every double written with this many decimals reads back unchanged.
+constexpr int maxDecimals = std::numeric_limits<double>::max_digits10 - 1;
 
-/// Beyond it no literal that fits in memory is a whole number within range, save zero.
-constexpr std::int64_t furthestExponent = std::int64_t{1} << 32;
+/// With a larger exponent, no literal that fits in memory is a whole number within the range of a
+/// double, except zero.
+constexpr std::int64_t maxExponent = std::int64_t{1} << 32;
 
-void dropZerosBefore(std::string_view& digits) {
+void removeLeadingZeros(std::string_view& digits) {
     digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
 }
 
-/// Gives how many there were.
-std::size_t dropZerosBehind(std::string_view& digits) {
+/// Returns the number of removed zeros.
+std::size_t removeTrailingZeros(std::string_view& digits) {
     const std::size_t kept = digits.find_last_not_of('0') + 1;
-    const std::size_t dropped = digits.size() - kept;
-    digits.remove_suffix(dropped);
-    return dropped;
+    const std::size_t removed = digits.size() - kept;
+    digits.remove_suffix(removed);
+    return removed;
 }
 
 } // namespace
 
 std::optional<std::int64_t> readInteger(std::string_view text) {
-    // from_chars knows "-" but not "+".
+    // from_chars accepts "-" but not "+".
     if (text.starts_with('+')) {
         text.remove_prefix(1);
         if (text.starts_with('-')) {
@@ -62,23 +63,24 @@ std::optional<std::string> wholeDigits(std::string_view literal) {
     std::string_view whole = mantissa.substr(0, mantissa.find('.'));
     std::string_view fraction = mantissa.substr(std::min(whole.size() + 1, mantissa.size()));
 
-    // Nothing is copied before the digits are known to be few: a literal may be as long as a reply.
-    dropZerosBehind(fraction);
+    // Copies digits only once it is certain that there are few: a literal can be as long as a
+    // reply.
+    removeTrailingZeros(fraction);
     const auto decimals = std::ssize(fraction);
-    const std::size_t zerosOfWhole = fraction.empty() ? dropZerosBehind(whole) : 0;
-    dropZerosBefore(whole);
+    const std::size_t wholeZeros = fraction.empty() ? removeTrailingZeros(whole) : 0;
+    removeLeadingZeros(whole);
     if (whole.empty()) {
-        dropZerosBefore(fraction);
+        removeLeadingZeros(fraction);
     }
     if (whole.empty() && fraction.empty()) {
         return "0";
     }
     const auto exponent = literal.empty() ? 0 : readInteger(literal);
-    if (!exponent || *exponent > furthestExponent || *exponent < -furthestExponent) {
+    if (!exponent || *exponent > maxExponent || *exponent < -maxExponent) {
         return std::nullopt;
     }
-    const std::int64_t zeros = *exponent - decimals + static_cast<std::int64_t>(zerosOfWhole);
-    if (zeros < 0 || std::ssize(whole) + std::ssize(fraction) + zeros > longestWhole) {
+    const std::int64_t zeros = *exponent - decimals + static_cast<std::int64_t>(wholeZeros);
+    if (zeros < 0 || std::ssize(whole) + std::ssize(fraction) + zeros > maxWholeDigits) {
         return std::nullopt;
     }
     std::string digits(negative ? "-" : "");
@@ -87,19 +89,22 @@ std::optional<std::string> wholeDigits(std::string_view literal) {
 }
 
 double nearestDouble(std::string_view literal) {
-    // strtod rather than from_chars: it gives infinity and zero beyond the range, and libc++ has no
-    // from_chars for doubles. No locale is ever set in this process, so the point is a point.
+    // libc++ has no from_chars for doubles. strtod also returns infinity or zero outside the range.
+    // The process never sets a locale, so the decimal point is always ".".
     return std::strtod(std::string(literal).c_str(), nullptr);
 }
 
 std::string shortestDecimal(double value) {
-    // Not to_chars: it needs a recent macOS, and here it would have the mathematics library loaded
-    // at every start.
+    // Not to_chars: it needs a recent macOS, and on Linux it would load the mathematics library at
+    // every start.
     std::array<char, 64> text{};
     int decimals = 0;
-    do {
+    for (; decimals <= maxDecimals; ++decimals) {
         std::snprintf(text.data(), text.size(), "%.*e", decimals, value);
-    } while (std::strtod(text.data(), nullptr) != value && ++decimals <= maximumDecimals);
+        if (std::strtod(text.data(), nullptr) == value) {
+            break;
+        }
+    }
 
     std::string scientific(text.data());
     if (auto digits = wholeDigits(scientific)) {

@@ -7,21 +7,21 @@
 
 namespace fernlow::number {
 
-/// A whole number as people and protocols write it: an optional "+" or "-" and ASCII digits, within
-/// 64 bits.
+/// Parses a signed 64-bit integer: an optional "+" or "-", then ASCII digits and nothing else.
+/// Returns nothing for any other text and outside the range.
 std::optional<std::int64_t> readInteger(std::string_view text);
 
-/// The value of a JSON number literal (the grammar is taken for granted) as plain decimal digits
-/// with an optional leading "-", when it is whole: "2.0" gives "2", "1e2" gives "100", "-0" gives
-/// "0". Exact at any size up to the range of a double. Absent for fractions and beyond that range.
+/// Returns the value of a JSON number literal as decimal digits with an optional leading "-", if it
+/// is a whole number: "2" for "2.0", "100" for "1e2", "0" for "-0". The digits are exact. Returns
+/// nothing for fractions and outside the range of a double. Does not validate the literal.
 std::optional<std::string> wholeDigits(std::string_view literal);
 
-/// The double nearest to a number literal; infinite beyond the range of a double, zero below it.
+/// Returns the double that is nearest to a number literal: infinity if the literal is too large for
+/// a double, zero if it is too small.
 double nearestDouble(std::string_view literal);
 
-/// The shortest decimal text that reads back as the same (finite) double. A whole number has no
-/// point and no exponent, and neither has an ordinary fraction; only those below a millionth are
-/// written with an exponent.
+/// Returns the shortest decimal text that reads back as the same double, which must be finite.
+/// Whole numbers have no decimal point. Only fractions below a millionth have an exponent.
 std::string shortestDecimal(double value);
 
 } // namespace fernlow::number

@@ -8,12 +8,13 @@ namespace fernlow::utf8 {
 
 namespace {
 
-/// What a lead byte promises. The second byte has a range of its own, narrower than 80 to BF where
-/// the full range would admit overlong forms, surrogates or values above U+10FFFF.
+/// The length of a sequence and the range of its second byte, both determined by its lead byte. The
+/// range is narrower than 80 to BF if the full range would include overlong forms, surrogates or
+/// values above U+10FFFF.
 struct Lead {
     std::size_t length;
-    std::uint8_t secondFrom;
-    std::uint8_t secondTo;
+    std::uint8_t secondMin;
+    std::uint8_t secondMax;
 };
 
 Lead leadOf(std::uint8_t byte) {
@@ -39,41 +40,42 @@ Sequence firstSequence(std::string_view text) {
         return {1, true};
     }
     const Lead lead = leadOf(first);
-    std::uint8_t from = lead.secondFrom;
-    std::uint8_t to = lead.secondTo;
-    for (std::size_t at = 1; at < lead.length; ++at) {
-        const auto byte = at < text.size() ? static_cast<std::uint8_t>(text[at]) : std::uint8_t{0};
-        if (byte < from || byte > to) {
-            return {at, false};
+    std::uint8_t min = lead.secondMin;
+    std::uint8_t max = lead.secondMax;
+    for (std::size_t index = 1; index < lead.length; ++index) {
+        const auto byte =
+            index < text.size() ? static_cast<std::uint8_t>(text[index]) : std::uint8_t{0};
+        if (byte < min || byte > max) {
+            return {index, false};
         }
-        from = 0x80;
-        to = 0xBF;
+        min = 0x80;
+        max = 0xBF;
     }
     return {lead.length, lead.length > 1};
 }
 
 namespace {
 
-/// The length of the well-formed part that the text begins with.
+/// Returns the length of the longest well-formed prefix.
 std::size_t wellFormedLength(std::string_view text) {
-    std::size_t at = 0;
-    while (at < text.size()) {
-        // Nearly all text is ASCII: step over it eight bytes at a time.
+    std::size_t length = 0;
+    while (length < text.size()) {
+        // Nearly all text is ASCII, which is checked eight bytes at a time.
         std::uint64_t word = 0;
-        if (text.size() - at >= sizeof word) {
-            std::memcpy(&word, text.data() + at, sizeof word);
+        if (text.size() - length >= sizeof word) {
+            std::memcpy(&word, text.data() + length, sizeof word);
             if ((word & 0x8080808080808080U) == 0) {
-                at += sizeof word;
+                length += sizeof word;
                 continue;
             }
         }
-        const Sequence sequence = firstSequence(text.substr(at));
+        const Sequence sequence = firstSequence(text.substr(length));
         if (!sequence.wellFormed) {
             break;
         }
-        at += sequence.length;
+        length += sequence.length;
     }
-    return at;
+    return length;
 }
 
 } // namespace

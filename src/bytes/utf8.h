@@ -9,23 +9,23 @@ namespace fernlow::utf8 {
 
 inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
-/// The bytes of one character, or of a part of one.
+/// One character or one ill-formed part of a text; its length is in bytes.
 struct Sequence {
     std::size_t length;
     bool wellFormed;
 };
 
-/// The first sequence of a text that is not empty; where it is ill-formed, the longest part that
-/// some well-formed sequence begins with, one byte at least.
+/// Returns the first sequence of the text, which must not be empty. An ill-formed sequence is the
+/// longest prefix that a well-formed sequence could begin with, or a single byte.
 Sequence firstSequence(std::string_view text);
 
-/// Whether the whole text is well-formed UTF-8: no overlong forms, no surrogates, nothing above
-/// U+10FFFF.
+/// Returns whether the whole text is well-formed UTF-8: it contains no overlong forms, no
+/// surrogates and no values above U+10FFFF.
 bool isWellFormed(std::string_view text);
 
-/// The text with one U+FFFD in place of each ill-formed sequence. A sequence that starts well and
-/// breaks off counts as one (the Unicode standard's "maximal subpart" practice); any other stray
-/// byte counts alone.
+/// Returns the text with each ill-formed sequence replaced by one U+FFFD. A truncated character is
+/// one sequence (the Unicode standard's "maximal subpart" practice); any other invalid byte is a
+/// sequence of its own.
 ByteBuffer replaceIllFormed(std::string_view text);
 
 } // namespace fernlow::utf8

@@ -124,12 +124,12 @@ std::optional<List<Item>> Value::listOf(std::optional<Item> (Value::*read)() con
     if (node.kind != Kind::list) {
         return std::nullopt;
     }
-    for (std::uint32_t at = index_ + 1; at < node.place; at = tape_->after(at)) {
+    for (std::uint32_t at = index_ + 1; at < node.position; at = tape_->after(at)) {
         if (!(Value(tape_, at).*read)()) {
             return std::nullopt;
         }
     }
-    return List<Item>(tape_, index_ + 1, node.place);
+    return List<Item>(tape_, index_ + 1, node.position);
 }
 
 std::optional<List<Object>> Value::objects() const {
@@ -146,18 +146,18 @@ std::optional<List<std::string_view>> Value::numberLiterals() const {
 
 std::optional<Value> Object::find(std::string_view key) const {
     const detail::Tape& tape = *value_.tape_;
-    const std::uint32_t end = tape.nodes[value_.index_].place;
+    const std::uint32_t end = tape.nodes[value_.index_].position;
     const std::uint32_t found = tape.find(key, value_.index_ + 1, end);
     return found < end ? std::optional(Value(&tape, found + 1)) : std::nullopt;
 }
 
 bool Object::isEmpty() const {
-    return value_.tape_->nodes[value_.index_].place == value_.index_ + 1;
+    return value_.tape_->nodes[value_.index_].position == value_.index_ + 1;
 }
 
 Members Object::sortedMembers() const {
     const detail::Tape& tape = *value_.tape_;
-    const std::uint32_t end = tape.nodes[value_.index_].place;
+    const std::uint32_t end = tape.nodes[value_.index_].position;
     std::vector<std::uint32_t> places;
     // At most every second node is a key, and what isn't filled is never touched.
     places.reserve((end - value_.index_) / 2);

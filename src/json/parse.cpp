@@ -1,4 +1,5 @@
 #include "json/document.h"
+#include "json/member_filter.h"
 #include "json/tape.h"
 
 #include <boost/json/basic_parser_impl.hpp>
@@ -7,11 +8,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -24,46 +23,144 @@ using detail::Tape;
 
 namespace {
 
-/// How deep members are looked for by their keys.
-constexpr std::size_t selectedDepth = 2;
+/// Selected members are kept in the outermost object and in the objects that it directly contains.
+constexpr std::size_t maxSelectedDepth = 2;
 
-/// Takes the parser's events and lays out the tape. The parser's own conversions of numbers are
-/// ignored: its decimals are not always the nearest, and the literal loses nothing.
+/// Appends nodes to a tape.
 class TapeBuilder {
 public:
-    // Limits the parser asks its handler for; the document's own limit is below them all.
-    static constexpr std::size_t max_object_size = detail::largestSize;
-    static constexpr std::size_t max_array_size = detail::largestSize;
-    static constexpr std::size_t max_key_size = detail::largestSize;
-    static constexpr std::size_t max_string_size = detail::largestSize;
+    explicit TapeBuilder(Tape& tape) : tape_(tape) {}
 
-    TapeBuilder(Tape& tape, std::span<const std::string_view> keys)
-        : tape_(tape), keys_(keys), selects_(!keys.empty()) {
-        for (const std::string_view key : keys) {
-            longestKey_ = std::max(longestKey_, key.size());
-        }
+    void add(Kind kind, std::size_t size = 0, std::size_t position = 0) {
+        Node node{kind, 0, static_cast<std::uint32_t>(position)};
+        node.size = static_cast<std::uint32_t>(size) & detail::maxSize;
+        tape_.nodes.push_back(node);
     }
+
+    void openContainer(Kind kind) {
+        openContainers_.push_back(nextIndex());
+        add(kind);
+    }
+
+    void closeContainer() {
+        tape_.nodes[openContainers_.back()].position = nextIndex();
+        openContainers_.pop_back();
+    }
+
+    void addNumber(std::string_view literal) {
+        add(Kind::number, literal.size(), sourceOffset(literal));
+    }
+
+    /// Adds a decoded part of a text.
+    void addTextPart(std::string_view part) { tape_.unescaped.append(part); }
+
+    /// Adds a text or key whose last part and whole size are given. Only a text that contains
+    /// escapes has several parts or a part outside the source.
+    void addText(std::string_view last, std::size_t size) {
+        const std::size_t offset = sourceOffset(last);
+        if (size == last.size() && offset < tape_.source.size()) {
+            add(Kind::text, size, offset);
+            return;
+        }
+        addTextPart(last);
+        add(Kind::unescapedText, size, tape_.unescaped.view().size() - size);
+    }
+
+    /// Returns whether a selected member with this key may be added here: the object is not too
+    /// deep, and has no member with the same key.
+    [[nodiscard]] bool acceptsMember(std::string_view key) const {
+        return openContainers_.size() <= maxSelectedDepth &&
+               tape_.find(key, openContainers_.back() + 1, nextIndex()) == nextIndex();
+    }
+
+    void addSelectedKey(std::size_t index) {
+        add(Kind::selectedKey, tape_.selectedKeys[index].size(), index);
+    }
+
+private:
+    [[nodiscard]] std::uint32_t nextIndex() const {
+        return static_cast<std::uint32_t>(tape_.nodes.size());
+    }
+
+    /// Returns the offset of the part in the source, or a number beyond the source's size if the
+    /// part is not in the source. Integers, because pointers into different arrays have no
+    /// difference.
+    [[nodiscard]] std::size_t sourceOffset(std::string_view part) const {
+        return reinterpret_cast<std::uintptr_t>(part.data()) -
+               reinterpret_cast<std::uintptr_t>(tape_.source.data());
+    }
+
+    Tape& tape_;
+    std::vector<std::uint32_t> openContainers_;
+};
+
+/// Receives the parser's events, and adds the values that the filter keeps to the tape. Ignores the
+/// numbers that the parser has converted: its doubles are not always the nearest, and a literal
+/// loses nothing.
+class EventHandler {
+public:
+    // The parser requires these limits. The limit of the whole document makes them unreachable.
+    static constexpr std::size_t max_object_size = detail::maxSize;
+    static constexpr std::size_t max_array_size = detail::maxSize;
+    static constexpr std::size_t max_key_size = detail::maxSize;
+    static constexpr std::size_t max_string_size = detail::maxSize;
+
+    explicit EventHandler(Tape& tape)
+        : selectedKeys_(tape.selectedKeys), builder_(tape), filter_(tape.selectedKeys) {}
 
     using Error = boost::system::error_code;
     using Text = boost::json::string_view;
 
     static bool on_document_begin(Error& /*error*/) { return true; }
     static bool on_document_end(Error& /*error*/) { return true; }
-    bool on_object_begin(Error& /*error*/) { return open(Kind::object); }
-    bool on_object_end(std::size_t /*size*/, Error& /*error*/) { return close(); }
-    bool on_array_begin(Error& /*error*/) { return selects_ ? skipList() : open(Kind::list); }
-    bool on_array_end(std::size_t /*size*/, Error& /*error*/) { return close(); }
+    bool on_object_begin(Error& /*error*/) {
+        if (filter_.keepsValue()) {
+            builder_.openContainer(Kind::object);
+        } else {
+            filter_.enterSkippedContainer();
+        }
+        return true;
+    }
+    bool on_object_end(std::size_t /*size*/, Error& /*error*/) { return endContainer(); }
+    bool on_array_begin(Error& /*error*/) {
+        if (filter_.keepsAllValues()) {
+            builder_.openContainer(Kind::list);
+        } else {
+            addValue(Kind::null);
+            filter_.enterSkippedContainer();
+        }
+        return true;
+    }
+    bool on_array_end(std::size_t /*size*/, Error& /*error*/) { return endContainer(); }
     bool on_key_part(Text part, std::size_t size, Error& /*error*/) {
-        return skipped_ > 0 || (selects_ ? addKeyPart(part, size) : addPart(part));
+        if (filter_.keepsAllValues()) {
+            builder_.addTextPart(view(part));
+        } else if (!filter_.isInSkippedContainer()) {
+            filter_.addKeyPart(view(part), size);
+        }
+        return true;
     }
     bool on_key(Text last, std::size_t size, Error& /*error*/) {
-        return skipped_ > 0 || (selects_ ? selectMember(last, size) : addText(last, size));
+        if (filter_.keepsAllValues()) {
+            builder_.addText(view(last), size);
+        } else if (!filter_.isInSkippedContainer()) {
+            filter_.addKeyPart(view(last), size);
+            selectMember(filter_.endKey(size));
+        }
+        return true;
     }
     bool on_string_part(Text part, std::size_t /*size*/, Error& /*error*/) {
-        return selects_ || addPart(part);
+        if (filter_.keepsAllValues()) {
+            builder_.addTextPart(view(part));
+        }
+        return true;
     }
     bool on_string(Text last, std::size_t size, Error& /*error*/) {
-        return selects_ ? add(Kind::null, 0, 0) : addText(last, size);
+        if (filter_.keepsAllValues()) {
+            builder_.addText(view(last), size);
+            return true;
+        }
+        return addValue(Kind::null);
     }
     static bool on_number_part(Text /*part*/, Error& /*error*/) { return true; }
     bool on_int64(std::int64_t /*value*/, Text literal, Error& /*error*/) {
@@ -73,129 +170,71 @@ public:
         return addNumber(literal);
     }
     bool on_double(double /*value*/, Text literal, Error& /*error*/) { return addNumber(literal); }
-    bool on_bool(bool value, Error& /*error*/) { return add(value ? Kind::yes : Kind::no, 0, 0); }
-    bool on_null(Error& /*error*/) { return add(Kind::null, 0, 0); }
+    bool on_bool(bool value, Error& /*error*/) { return addValue(value ? Kind::yes : Kind::no); }
+    bool on_null(Error& /*error*/) { return addValue(Kind::null); }
     static bool on_comment_part(Text /*part*/, Error& /*error*/) { return true; }
     static bool on_comment(Text /*last*/, Error& /*error*/) { return true; }
 
 private:
-    bool add(Kind kind, std::size_t size, std::size_t place) {
-        if (keeps_) {
-            Node node{kind, 0, static_cast<std::uint32_t>(place)};
-            node.size = static_cast<std::uint32_t>(size) & detail::largestSize;
-            tape_.nodes.push_back(node);
+    /// Older versions of Boost have no conversion.
+    static std::string_view view(Text text) { return {text.data(), text.size()}; }
+
+    bool endContainer() {
+        if (filter_.isInSkippedContainer()) {
+            filter_.leaveSkippedContainer();
+        } else {
+            builder_.closeContainer();
         }
         return true;
     }
 
-    bool open(Kind kind) {
-        if (!keeps_) {
-            ++skipped_;
-            return true;
-        }
-        open_.push_back(static_cast<std::uint32_t>(tape_.nodes.size()));
-        return add(kind, 0, 0);
-    }
-
-    bool close() {
-        if (skipped_ > 0) {
-            --skipped_;
-            return true;
-        }
-        tape_.nodes[open_.back()].place = static_cast<std::uint32_t>(tape_.nodes.size());
-        open_.pop_back();
-        return true;
-    }
-
-    bool addNumber(Text literal) { return add(Kind::number, literal.size(), offset(literal)); }
-
-    /// A text arrives in parts only when it has escapes; the last part may be empty.
-    bool addPart(Text part) {
-        tape_.unescaped.append({part.data(), part.size()});
-        return true;
-    }
-
-    bool addText(Text last, std::size_t size) {
-        if (size == last.size() && isInSource(last)) {
-            return add(Kind::text, size, offset(last));
-        }
-        addPart(last);
-        return add(Kind::unescapedText, size, tape_.unescaped.view().size() - size);
-    }
-
-    bool skipList() {
-        add(Kind::null, 0, 0);
-        keeps_ = false;
-        return open(Kind::list);
-    }
-
-    /// What is longer than every key that is looked for is not remembered.
-    bool addKeyPart(Text part, std::size_t sizeSoFar) {
-        if (sizeSoFar <= longestKey_) {
-            key_.append(part.data(), part.size());
+    bool addValue(Kind kind) {
+        if (filter_.keepsValue()) {
+            builder_.add(kind);
         }
         return true;
     }
 
-    /// Settles whether the member whose key ends here is kept.
-    bool selectMember(Text last, std::size_t size) {
-        addKeyPart(last, size);
-        const auto key = std::find(keys_.begin(), keys_.end(), key_);
-        const auto end = static_cast<std::uint32_t>(tape_.nodes.size());
-        keeps_ = key != keys_.end() && key->size() == size && open_.size() <= selectedDepth &&
-                 tape_.find(*key, open_.back() + 1, end) == end;
-        key_.clear();
-        if (keeps_) {
-            addPart({key->data(), key->size()});
-            add(Kind::unescapedText, size, tape_.unescaped.view().size() - size);
+    bool addNumber(Text literal) {
+        if (filter_.keepsValue()) {
+            builder_.addNumber(view(literal));
         }
         return true;
     }
 
-    [[nodiscard]] bool isInSource(Text part) const {
-        const std::less_equal<> noLater;
-        return noLater(tape_.source.data(), part.data()) &&
-               noLater(part.data() + part.size(), tape_.source.data() + tape_.source.size());
+    /// Keeps the member that begins here if its key is selected, and is the first such key.
+    void selectMember(std::optional<std::size_t> keyIndex) {
+        const bool keeps = keyIndex && builder_.acceptsMember(selectedKeys_[*keyIndex]);
+        filter_.setKeepsValue(keeps);
+        if (keeps) {
+            builder_.addSelectedKey(*keyIndex);
+        }
     }
 
-    [[nodiscard]] std::size_t offset(Text part) const {
-        return static_cast<std::size_t>(part.data() - tape_.source.data());
-    }
-
-    Tape& tape_;
-    /// The containers around the place that is being read, without those that are skipped.
-    std::vector<std::uint32_t> open_;
-    /// How many containers around that place are skipped.
-    std::size_t skipped_ = 0;
-    /// Whether the next value is kept.
-    bool keeps_ = true;
-
-    std::span<const std::string_view> keys_;
-    /// Whether only members with these keys are kept.
-    bool selects_;
-    std::size_t longestKey_ = 0;
-    /// As much of the key being read as matters.
-    std::string key_;
+    std::span<const std::string_view> selectedKeys_;
+    TapeBuilder builder_;
+    detail::MemberFilter filter_;
 };
 
 } // namespace
 
 std::optional<Document> Document::parse(std::string_view text,
                                         std::span<const std::string_view> keys) {
-    if (text.size() > detail::largestSize) {
+    if (text.size() > detail::maxSize) {
         return std::nullopt;
     }
-    auto tape = std::make_unique<detail::Tape>();
+    auto tape = std::make_unique<Tape>();
     tape->source = text;
+    tape->selectedKeys = keys;
     if (keys.empty()) {
-        // Each node takes two bytes of JSON or more, but for the brackets still open where a faulty
-        // document ends: enough room at once, and only what is filled is ever touched.
-        tape->nodes.reserve(text.size() / 2 + detail::deepestNesting);
+        // A node takes at least two bytes of JSON, except for brackets that a faulty document does
+        // not close. Reserved memory that is never written costs nothing.
+        tape->nodes.reserve(std::min(text.size(), text.size() / 2 + detail::maxDepth));
     }
 
     boost::json::parse_options options;
-    options.max_depth = detail::deepestNesting;
-    boost::json::basic_parser<TapeBuilder> parser(options, *tape, keys);
+    options.max_depth = detail::maxDepth;
+    boost::json::basic_parser<EventHandler> parser(options, *tape);
     boost::system::error_code error;
     const std::size_t used = parser.write_some(false, text.data(), text.size(), error);
     if (error || used != text.size()) {

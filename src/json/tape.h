@@ -4,49 +4,72 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
-/// How a Document is held in memory; for the document's own sources only.
+/// The memory layout of a Document; only for the source files that implement it.
 namespace fernlow::json::detail {
 
-enum class Kind : std::uint8_t { null, yes, no, number, text, unescapedText, list, object };
+enum class Kind : std::uint8_t {
+    null,
+    yes,
+    no,
+    number,
+    text,
+    unescapedText,
+    selectedKey,
+    list,
+    object
+};
 
-/// One value or key. 8 bytes, because large replies are paid for by the memory they touch.
+/// One value or key. A node takes 8 bytes, because memory access dominates the time for a large
+/// reply.
 struct Node {
     Kind kind : 4;
-    /// Of a text or number, its bytes.
+    /// The length of a text or number in bytes.
     std::uint32_t size : 28;
-    /// Of a text or number, where it begins; of a list or object, the index behind its last node.
-    std::uint32_t place;
+    /// For a text or number, the offset of its first byte. For a selected key, its index among the
+    /// selected keys. For a list or object, the index after its last node.
+    std::uint32_t position;
 };
 static_assert(sizeof(Node) == 8);
 
-constexpr std::uint32_t largestSize = (1U << 28U) - 1;
-constexpr std::size_t deepestNesting = 1024;
+/// The maximum size of a document, and so of a text, in bytes.
+constexpr std::uint32_t maxSize = (1U << 28U) - 1;
+constexpr std::size_t maxDepth = 1024;
 
-/// A document laid out flat in its own order: a container's node is followed by those of its
-/// elements, a key's by that of its value.
+/// The nodes of a document in document order: the nodes of its elements follow a container, and the
+/// node of its value follows a key.
 struct Tape {
     std::string_view source;
-    /// The texts that had escapes, decoded; all others lie in the source.
+    /// The decoded texts that contain escapes. All other texts are read from the source.
     ByteBuffer unescaped;
+    std::span<const std::string_view> selectedKeys;
     std::vector<Node> nodes;
 
+    /// Returns the bytes of a key, text or number.
     [[nodiscard]] std::string_view slice(const Node& node) const {
-        const std::string_view whole = node.kind == Kind::unescapedText ? unescaped.view() : source;
-        return {whole.data() + node.place, node.size};
+        switch (node.kind) {
+        case Kind::selectedKey:
+            return selectedKeys[node.position];
+        case Kind::unescapedText:
+            return {unescaped.view().data() + node.position, node.size};
+        default:
+            return {source.data() + node.position, node.size};
+        }
     }
 
+    /// Returns the index after the last node of the value at the index.
     [[nodiscard]] std::uint32_t after(std::uint32_t index) const {
         const Node& node = nodes[index];
-        return node.kind >= Kind::list ? node.place : index + 1;
+        return node.kind >= Kind::list ? node.position : index + 1;
     }
 
-    /// The index of the first of the members between two indices that has this key, or `end`.
+    /// Returns the index of the first key between two indices that is equal to `key`, or `end`.
     [[nodiscard]] std::uint32_t find(std::string_view key, std::uint32_t first,
                                      std::uint32_t end) const {
-        // Most keys differ in length, which tells without a look at their bytes.
+        // Most keys have different lengths, so most comparisons do not read their bytes.
         while (first < end && (nodes[first].size != key.size() || slice(nodes[first]) != key)) {
             first = after(first + 1);
         }
