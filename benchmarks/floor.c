@@ -1,9 +1,10 @@
-// The least that a run can do: sends one GET request to a Unix socket and writes the reply's body
-// and a line break to standard output. It checks nothing that a run with a good reply doesn't need.
+// Does the least work that a run can do: sends one GET request to a Unix socket and writes the
+// reply's body and a line break to standard output. It checks only the conditions that a run with a
+// good reply needs.
 //
-// With a TEXT, a file, it writes that instead of the body: the floor of a run that makes just this
-// text of the reply. It has to be the very text, because a terminal takes its time over line
-// breaks.
+// If TEXT is given, it writes the content of that file instead of the body. This is the floor for a
+// run that makes the same text from the reply. The text must be the same because a terminal takes
+// longer for text with more line breaks.
 //
 //   floor SOCKET PATH [TEXT]
 #include <fcntl.h>
@@ -49,7 +50,7 @@ int main(int argc, char** argv) {
     if (reply == NULL || count < 0) {
         return 3;
     }
-    // There is always room for a whole read behind the reply, so for these two as well.
+    // The buffer always has room for a whole read behind the reply, so also for these two bytes.
     reply[size] = '\0';
     char* body = strstr(reply, "\r\n\r\n");
     if (body == NULL) {

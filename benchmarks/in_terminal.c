@@ -1,7 +1,7 @@
-// Runs a command with a pseudo-terminal as its standard output, reads that empty, and ends with the
-// command's exit status. With --show the output also goes to this program's standard output; with
-// --peak only how much memory the command took at most and how long its output was (both in bytes,
-// the terminal's carriage returns not counted).
+// Runs a command with a pseudo-terminal as its standard output, reads all output, and ends with the
+// command's exit status. With --show, copies the output to standard output. With --peak, prints the
+// command's peak memory and the length of its output, both in bytes, without the carriage returns
+// that the terminal adds.
 //
 //   in-terminal [--show | --peak] PROGRAM ARGUMENT...
 #define _XOPEN_SOURCE 700
@@ -16,7 +16,7 @@
 static char drained[65536];
 static long long drainedCount = 0;
 
-/// The most memory that any of this program's children has taken, in bytes.
+/// Returns the peak memory of this program's children, in bytes.
 static long long peakOfChildren(void) {
     struct rusage usage;
     getrusage(RUSAGE_CHILDREN, &usage);
@@ -27,9 +27,9 @@ static long long peakOfChildren(void) {
 #endif
 }
 
-/// Reads until every copy of the terminal is closed, which is an error on Linux and an end on
-/// macOS.
-static int drain(int terminal, int isShown) {
+/// Reads until every copy of the terminal is closed, which Linux reports as an error and macOS as
+/// the end of the file. Returns whether all output could be shown.
+static int drain(int terminal, int showsOutput) {
     for (;;) {
         const ssize_t count = read(terminal, drained, sizeof drained);
         if (count <= 0) {
@@ -38,22 +38,22 @@ static int drain(int terminal, int isShown) {
         for (ssize_t index = 0; index < count; ++index) {
             drainedCount += drained[index] != '\r';
         }
-        if (isShown && write(STDOUT_FILENO, drained, (size_t)count) != count) {
+        if (showsOutput && write(STDOUT_FILENO, drained, (size_t)count) != count) {
             return 0;
         }
     }
 }
 
 int main(int argc, char** argv) {
-    const int isShown = argc > 1 && strcmp(argv[1], "--show") == 0;
-    const int isWeighed = argc > 1 && strcmp(argv[1], "--peak") == 0;
-    char** const command = argv + 1 + isShown + isWeighed;
+    const int showsOutput = argc > 1 && strcmp(argv[1], "--show") == 0;
+    const int printsPeak = argc > 1 && strcmp(argv[1], "--peak") == 0;
+    char** const command = argv + 1 + showsOutput + printsPeak;
     const int controller = posix_openpt(O_RDWR | O_NOCTTY);
-    if (argc < 2 + isShown + isWeighed || controller < 0 || grantpt(controller) != 0 ||
+    if (argc < 2 + showsOutput + printsPeak || controller < 0 || grantpt(controller) != 0 ||
         unlockpt(controller) != 0) {
         return 2;
     }
-    // Opened before the command runs, so that there is no moment at which nobody has it open.
+    // Opened before the command runs: if nobody has the terminal open, reading it ends.
     const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
     const pid_t child = terminal < 0 ? -1 : fork();
     if (child < 0) {
@@ -68,10 +68,10 @@ int main(int argc, char** argv) {
     }
     close(terminal);
     int status = 0;
-    if (!drain(controller, isShown) || waitpid(child, &status, 0) != child) {
+    if (!drain(controller, showsOutput) || waitpid(child, &status, 0) != child) {
         return 2;
     }
-    if (isWeighed) {
+    if (printsPeak) {
         printf("%lld %lld\n", peakOfChildren(), drainedCount);
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 2;

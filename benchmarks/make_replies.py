@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes replies of the sizes that matter, one file each.
+"""Writes the replies that the benchmarks serve, one file each.
 
     make_replies.py FOLDER
 """
@@ -32,7 +32,7 @@ def files(count):
 
 
 def files_of_size(size):
-    """A listing of about that many bytes, from the mean of some rows."""
+    """Returns a list of files with about `size` bytes, calculated from the mean size of rows."""
     sample = 1000
     return files(size * sample // len(encoded([file_row(number) for number in range(sample)])))
 

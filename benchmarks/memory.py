@@ -1,10 +1,10 @@
-"""Measures the memory that a run of fernlow takes, for the replies that take the most.
+"""Measures the memory that a run of fernlow takes, for the shapes of replies that take the most.
 
     benchmarks/memory [--size MEGABYTES] [--program FERNLOW] [WORD...]
 
-Builds, serves one reply after the other, runs fernlow with and without --json in a terminal of its
-own, and takes the peak that the system reports. Prints a table and, when all shapes are measured,
-writes it to results/memory.md. Words choose the shapes whose name has one of them.
+Builds the programs, serves one reply after the other, runs fernlow with and without --json in a
+pseudo-terminal, and reads the peak memory from the system. Prints a table. Writes it to
+results/memory.md if all shapes are measured. Each WORD selects the shapes whose names contain it.
 """
 import argparse
 import subprocess
@@ -22,7 +22,7 @@ IN_TERMINAL, SERVER = str(BUILD / "benchmarks/in-terminal"), str(BUILD / "benchm
 ILL_FORMED = b"\xff"
 DEEP = b"[" * 1000 + b"]" * 1000
 
-# Name, what a reply begins with, what is repeated until it has its size, and what it ends with.
+# Name, the beginning of a reply, the piece that is repeated to the reply's size, and the end.
 SHAPES = [
     ("a list of numbers as result", b'{"ok":true,"result":[1', b",1", b"]}"),
     ("a list of numbers nobody reads", b'{"ok":true,"x":[1', b",1", b"]}"),
@@ -81,21 +81,21 @@ def build():
                     "reply-server"], **quiet)
 
 
-def weighed(program, body, folder):
-    """The peak and the output's length, as JSON and as text."""
+def memory_of_runs(program, body, folder):
+    """Returns the peak memory and the output's length, as JSON and as text."""
     (folder / "reply.json").write_bytes(body)
     (folder / "reply").unlink(missing_ok=True)
     server = subprocess.Popen([SERVER, folder, folder], stdout=subprocess.PIPE)
     try:
         server.stdout.readline()
-        return [weigh([program, *option, "--socket", str(folder / "reply"), "status"])
+        return [memory_of_run([program, *option, "--socket", str(folder / "reply"), "status"])
                 for option in (["--json"], [])]
     finally:
         server.kill()
         server.wait()
 
 
-def weigh(command):
+def memory_of_run(command):
     run = subprocess.run([IN_TERMINAL, "--peak", *command], stdout=subprocess.PIPE,
                          stderr=subprocess.DEVNULL, text=True, check=False)
     peak, length = run.stdout.split()
@@ -103,23 +103,23 @@ def weigh(command):
 
 
 def main():
-    parser = argparse.ArgumentParser(description="the memory that replies take")
-    parser.add_argument("--size", type=float, default=32, help="of a reply, in megabytes")
-    parser.add_argument("--program", default=str(BUILD / "fernlow"), help="what is measured")
+    parser = argparse.ArgumentParser(description="measures the memory that replies take")
+    parser.add_argument("--size", type=float, default=32, help="size of a reply in megabytes")
+    parser.add_argument("--program", default=str(BUILD / "fernlow"), help="program to measure")
     parser.add_argument("words", nargs="*", metavar="WORD")
     options = parser.parse_args()
     build()
     shapes = [shape for shape in SHAPES
               if not options.words or any(word in shape[0] for word in options.words)]
     lines = ["| reply | as JSON | as text | its text |", "| --- | ---: | ---: | ---: |"]
-    # Not $TMPDIR: a socket's path may have 103 bytes only.
+    # Not $TMPDIR: a socket's path has at most 103 bytes.
     with tempfile.TemporaryDirectory(prefix="fernlow-", dir="/tmp") as temporary:
         folder = Path(temporary)
-        constants = [peak for peak, _ in weighed(options.program, b'{"ok":true}', folder)]
+        constants = [peak for peak, _ in memory_of_runs(options.program, b'{"ok":true}', folder)]
         for shape in shapes:
             body = body_of(shape, int(options.size * 10**6))
-            (json_peak, json_length), (peak, length) = weighed(options.program, body, folder)
-            # A repaired reply is a text of its own; any other is printed from where it lies.
+            (json_peak, json_length), (peak, length) = memory_of_runs(options.program, body, folder)
+            # A repaired reply is a second text. Any other reply is printed from its own buffer.
             repaired = json_length if json_length > len(body) + 1 else 0
             sums = [json_peak - constants[0] - repaired, peak - constants[1] - length, length]
             lines.append("| " + " | ".join([shape[0], *(f"{max(each, 0) / len(body):.2f}"
@@ -127,10 +127,10 @@ def main():
             print(lines[-1], flush=True)
     report = "\n".join(lines) + f"""
 
-Peak memory over the size of the reply (here {options.size:g} MB), beyond the \
-{max(constants) / 10**6:.1f} MB that a
-run takes with the smallest reply, and beyond the text that it prints: the text made of the reply,
-or the repaired JSON where the reply is not valid UTF-8.
+Peak memory divided by the size of the reply (here {options.size:g} MB). It does not include the \
+{max(constants) / 10**6:.1f} MB
+that a run takes with the smallest reply, or the printed text: the text made from the reply, or the
+repaired JSON if the reply is not valid UTF-8.
 """
     print("\n" + report)
     if not options.words:

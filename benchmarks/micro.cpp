@@ -1,4 +1,4 @@
-// What the parts of a run cost by themselves: understanding a command line, and presenting a reply.
+// Measures two parts of a run separately: parsing a command line, and presenting a reply.
 #include "bytes/byte_buffer.h"
 #include "cli/invocation.h"
 #include "commands/paths.h"
@@ -20,7 +20,7 @@ using fernlow::ByteBuffer;
 
 constexpr int rowCount = 5000;
 
-/// A reply of many rows; each "#" in a row stands for the row's number.
+/// A reply with many rows. Each "#" in a row stands for the row's number.
 struct Reply {
     std::string_view view;
     std::string_view opening;
@@ -77,7 +77,7 @@ std::string bodyOf(const Reply& reply) {
     return body.append(reply.closing);
 }
 
-/// Each "/" becomes a byte that no UTF-8 text can hold, so that faults are many and spread out.
+/// Replaces each "/" with a byte that no UTF-8 text contains, for many errors in many places.
 std::string illFormed(std::string body) {
     for (char& byte : body) {
         byte = byte == '/' ? '\xFF' : byte;
@@ -85,8 +85,8 @@ std::string illFormed(std::string body) {
     return body;
 }
 
-/// Measures presentReply alone: a run hands over the very buffer that the reply was read into, so
-/// the copy that is made here for each turn is not counted.
+/// Measures presentReply without the copy of the body that each iteration makes: a run passes the
+/// buffer that it has read the reply into.
 void present(benchmark::State& state, const std::string& body, bool wantsJSON) {
     using Clock = std::chrono::steady_clock;
     for (auto _ : state) {
@@ -95,7 +95,7 @@ void present(benchmark::State& state, const std::string& body, bool wantsJSON) {
         auto output = fernlow::presentReply(200, std::move(buffer), wantsJSON);
         benchmark::DoNotOptimize(output);
         state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
-        // A refusal is quick, and would look like a triumph.
+        // A refusal is quick, and would look like a very fast reply.
         if (output.toStandardError || output.text.view().size() < rowCount) {
             state.SkipWithError("the reply was not presented");
             break;
@@ -123,7 +123,7 @@ void parseWords(benchmark::State& state, const std::vector<std::string>& words) 
 }
 
 void registerBenchmarks() {
-    // The socket is named: otherwise the user database would be what is measured.
+    // Without --socket, most of the time would be spent reading the user database.
     const std::vector<std::pair<std::string, std::vector<std::string>>> commandLines = {
         {"status", {"status", "--socket", "/tmp/s"}},
         {"process",

@@ -1,6 +1,6 @@
-// Answers with fixed replies as fast as they can be read: whatever is asked of the socket
-// SOCKETS/NAME is answered with the content of REPLIES/NAME.json. One connection is served at a
-// time. Says "ready" once it listens, and runs until it is killed.
+// Answers every request with a fixed reply, as fast as the client can read it: a request to the
+// socket SOCKETS/NAME gets the content of REPLIES/NAME.json. Serves one connection at a time.
+// Prints "ready" when it listens, and runs until it is killed.
 //
 //   reply-server SOCKETS REPLIES
 #include <poll.h>
@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
     std::exit(1);
 }
 
-/// The whole reply, head and body, whose body is the file's content.
+/// Returns a reply, head and body, with the file's content as its body.
 std::string replyOf(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     const std::string body{std::istreambuf_iterator<char>(stream), {}};
@@ -52,7 +52,8 @@ int listenAt(const std::string& path) {
     return listener;
 }
 
-/// How long a request is whose head is complete; its name is written as clients here write it.
+/// Returns the length of a request from its complete head. Finds the length of the body only if the
+/// header's name is written as the clients of this benchmark write it.
 std::size_t requestLength(std::string_view request, std::size_t headEnd) {
     constexpr std::string_view name = "Content-Length: ";
     const std::size_t at = request.substr(0, headEnd).find(name);
@@ -101,7 +102,7 @@ int main(int argc, char** argv) {
         std::fputs("usage: reply-server SOCKETS REPLIES\n", stderr);
         return 2;
     }
-    // A client that leaves early must not end the server.
+    // A client that disconnects early must not end the server.
     std::signal(SIGPIPE, SIG_IGN);
     std::vector<pollfd> listeners;
     std::vector<std::string> replies;

@@ -1,14 +1,14 @@
-# Builds what is shipped as distributions build their programs, and so that the same commit gives the
-# same bytes wherever its folder is. The other builds have their sanitizers instead.
+# Hardens release builds with the options that distributions use. Makes the same commit give the same
+# bytes in every folder. Developer builds use sanitizers instead.
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 
-# What comes of them in the static programs: stack clashes are looked for on x86_64 alone; the C and
-# C++ libraries that the toolchain makes have none of it, so the system is told of no control-flow
-# protection and switches neither BTI nor shadow stacks on; signed return addresses on ARM's
-# processors act nevertheless.
+# Not all of these options work in the static programs. Stack clash protection is for x86_64 only. The
+# toolchain compiles its C and C++ libraries without these options. Therefore the programs are not
+# marked as protected, and the system enables neither BTI nor shadow stacks. Signed return addresses on
+# arm64 work nevertheless.
 #
-# Some compilers only warn of a flag that means nothing to them.
+# -Werror: some compilers only warn about an unknown option.
 set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(flag -fPIE -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
              -mbranch-protection=standard)
@@ -19,7 +19,7 @@ foreach(flag -fPIE -fstack-protector-strong -fstack-clash-protection -fcf-protec
   endif()
 endforeach()
 
-# Distributions may define it already, to something else. Of the C libraries musl has nothing like it.
+# Distributions may already define _FORTIFY_SOURCE, with another value. musl does not support it.
 set(CMAKE_REQUIRED_FLAGS "-Werror -O2 -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
 check_cxx_source_compiles("#include <cstdio>\nint main() { return 0; }" FERNLOW_HAS_FORTIFY_3)
 set(fortify_level 2)
@@ -31,6 +31,6 @@ add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=${fortify_level}
                     "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
 
 if(NOT APPLE)
-  # macOS has position-independent programs only, and nothing like the rest.
+  # On macOS all programs are position-independent, and these options do not exist.
   add_link_options(-pie -Wl,-z,relro,-z,now)
 endif()
