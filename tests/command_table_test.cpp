@@ -12,7 +12,7 @@ namespace fernlow::test {
 
 namespace {
 
-/// A value that the option takes and that isn't its usual one, behind its word.
+/// Returns the option with a valid value that is not the default, after a space.
 std::string sample(const Option& option) {
     static const std::map<ValueKind, std::string> values = {{ValueKind::flag, ""},
                                                             {ValueKind::wholeNumber, " 7"},
@@ -27,7 +27,7 @@ std::string sample(const Option& option) {
                                     : found->second);
 }
 
-/// The command with all its operands and the options that it requires, but for one.
+/// Returns a line with the command's operands and required options, without one of these options.
 std::string wholeLine(const Command& command, const Option* without = nullptr) {
     std::string line = command.name();
     for (const Operand* const operand : command.operands) {
@@ -48,47 +48,75 @@ bool succeeds(const std::string& line) {
 
 } // namespace
 
-TEST(CommandTable, ListsWhatItsParsersUse) {
+TEST(CommandTable, OptionsOfFamiliesMayStandBeforeTheSubcommand) {
+    // An option that may only stand after the subcommand.
+    const Words exceptions = {"settings set --path"};
     for (const Command* const command : allCommands()) {
-        const std::string line = wholeLine(*command);
-        EXPECT_TRUE(succeeds(line)) << line;
-        for (const Option* const option : command->required) {
-            EXPECT_FALSE(succeeds(wholeLine(*command, option))) << line << option->word;
+        const Command& alone = *findCommand(command->word);
+        Words before;
+        for (const Option* const option : alone.beforeSubcommand) {
+            before.insert(std::string(option->word));
         }
-        for (const Option* const option : command->options) {
-            const std::string longer = line + sample(*option);
-            EXPECT_TRUE(succeeds(longer) && outcome(longer) != outcome(line)) << longer;
-        }
-        for (const Operand* const operand : command->operands) {
-            EXPECT_TRUE(!operand->isRequired || !succeeds(command->name())) << command->name();
+        for (const Option* const option : command->allOptions()) {
+            const std::string word(option->word);
+            EXPECT_TRUE(!hasSubcommands(alone) || before.contains(word) ||
+                        exceptions.contains(command->name() + " " + word))
+                << "The row of \"" << command->name() << "\" lists " << word
+                << ". Add it to .beforeSubcommand in the row of \"" << alone.word << "\" as well.";
         }
     }
 }
 
-TEST(CommandTable, HoldsWhatTheHelpExplains) {
+TEST(CommandTable, EveryOptionAndOperandHasAnEffect) {
+    for (const Command* const command : allCommands()) {
+        const std::string line = wholeLine(*command);
+        EXPECT_TRUE(succeeds(line)) << line << ": " << outcome(line);
+        for (const Option* const option : command->required) {
+            EXPECT_FALSE(succeeds(wholeLine(*command, option)))
+                << "The row of \"" << command->name() << "\" requires " << option->word
+                << ", but the parser does not.";
+        }
+        for (const Option* const option : command->options) {
+            const std::string longer = line + sample(*option);
+            EXPECT_TRUE(succeeds(longer) && outcome(longer) != outcome(line))
+                << "The row of \"" << command->name() << "\" lists " << option->word
+                << ", but its parser does not use it.\n"
+                << longer << ": " << outcome(longer);
+        }
+        for (const Operand* const operand : command->operands) {
+            EXPECT_TRUE(!operand->isRequired || !succeeds(command->name()))
+                << "The row of \"" << command->name() << "\" requires " << operand->value.name
+                << ", but the parser does not.";
+        }
+    }
+}
+
+TEST(CommandTable, HasTheCommandsAndOptionsOfTheHelpText) {
     const std::string help = usageText();
-    const std::string commands = help.substr(0, help.find("\nOPTIONS\n"));
-    Words inTable, options;
+    Words inTable;
     for (const Command* const command : allCommands()) {
         inTable.insert(command->name());
         for (const Option* const option : command->allOptions()) {
-            options.insert(std::string(option->word));
+            inTable.insert(std::string(option->word));
         }
-        for (const auto alias : command->aliases) {
-            options.insert(std::string(alias));
-        }
+        inTable.insert(command->aliases.begin(), command->aliases.end());
     }
     for (const Option* const option : GlobalOptions::all()) {
-        options.insert(std::string(option->word));
+        inTable.insert(std::string(option->word));
     }
-    Words inHelp = matches(commands, "\n  (?!fernlow)([a-z]+(?: [a-z-]+)?) ");
-    // What the help writes as a word of its own is one of the choices here, and it needn't say how
-    // one came to read it.
+    Words inHelp =
+        matches(help.substr(0, help.find("\nOPTIONS\n")), "\n  (?!fernlow)([a-z]+(?: [a-z-]+)?) ");
+    inHelp.merge(matches(help, "(--[a-z-]+)"));
+    // The table has "pause" as a choice of "watch". The help text does not explain itself.
     EXPECT_EQ(inHelp.erase("watch pause"), 1);
-    inHelp.insert({"watch", "help", "version"});
-    EXPECT_EQ(inTable, inHelp);
-    for (const std::string& word : matches(help, "(--[a-z-]+)")) {
-        EXPECT_TRUE(options.contains(word)) << word;
+    inHelp.insert({"watch", "help", "--help", "-h", "version", "--version", "-v"});
+    for (const std::string& word : inTable) {
+        EXPECT_TRUE(inHelp.contains(word))
+            << "\"" << word << "\" has no line in the help text (src/cli/help_text.cpp).";
+    }
+    for (const std::string& word : inHelp) {
+        EXPECT_TRUE(inTable.contains(word))
+            << "The help text explains \"" << word << "\", which no row in src/commands/ has.";
     }
 }
 
