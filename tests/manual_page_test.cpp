@@ -58,20 +58,6 @@ void expectFacts(const std::string& text, const ValueDescription& value) {
     EXPECT_NE(text.find(value.defaultText), std::string::npos);
 }
 
-/// Expects an entry for an option, and removes it from the entries that no option has claimed yet.
-void expectOption(const Option& option, const std::string& command, const Entries& entries,
-                  Entries& unclaimed) {
-    const std::string word = " " + std::string(option.word);
-    const std::string entry = (entries.contains(command + word) ? command : "shared") + word;
-    if (entries.contains(entry)) {
-        expectFacts(entries.at(entry), option.value);
-        unclaimed.erase(entry);
-        return;
-    }
-    ADD_FAILURE() << "docs/fernlow.1 lacks" << word << " of \"" << command << "\". Add \".It Fl "
-                  << word.substr(2) << "\" to that command or to the options shared by several.";
-}
-
 /// The synopsis of a command, as the page has to show it.
 std::string synopsisOf(const Command& row) {
     std::string synopsis = " .Ic " + row.name();
@@ -99,15 +85,26 @@ TEST(ManualPage, DescribesEveryCommandAndOption) {
     std::string markup;
     for (const auto* option : GlobalOptions::all()) {
         markup += " Fl " + std::string(option->word.substr(1));
-        expectOption(*option, "shared", entries, unclaimed);
+        EXPECT_EQ(unclaimed.erase("shared " + std::string(option->word)), 1) << option->word;
     }
     for (const Command* const row : allCommands()) {
-        const std::string command = row->name(), synopsis = synopsisOf(*row);
+        const std::string command = row->name();
+        const std::string synopsis = synopsisOf(*row);
         markup += synopsis;
         EXPECT_EQ(entries.contains(command) ? entries.at(command) : "nothing", synopsis)
             << "docs/fernlow.1 needs \".It Xo\", this synopsis, \".Xc\" and a description";
         for (const Option* const option : row->allOptions()) {
-            expectOption(*option, command, entries, unclaimed);
+            const std::string word = " " + std::string(option->word);
+            const std::string entry =
+                (entries.contains(command + word) ? command : "shared") + word;
+            if (entries.contains(entry)) {
+                expectFacts(entries.at(entry), option->value);
+            } else {
+                ADD_FAILURE() << "docs/fernlow.1 lacks" << word << " of \"" << command
+                              << "\". Add \".It Fl " << word.substr(2)
+                              << "\" to that command or to the options shared by several.";
+            }
+            unclaimed.erase(entry);
         }
         for (const Operand* const operand : row->operands) {
             if (!operand->value.choices.empty() && entries.contains(command)) {
