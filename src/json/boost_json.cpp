@@ -1,2 +1,2 @@
-// Boost.JSON itself.
+// Compiles Boost.JSON from its headers.
 #include <boost/json/src.hpp>

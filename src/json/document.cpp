@@ -15,6 +15,7 @@ using detail::Kind;
 
 namespace {
 
+/// Reads a whole number, however it is written.
 template <class Number>
 std::optional<Number> readWhole(std::string_view literal) {
     const auto read = [](std::string_view digits) -> std::optional<Number> {
@@ -53,7 +54,7 @@ typename List<Item>::Iterator& List<Item>::Iterator::operator++() {
 template <class Item>
 std::int64_t List<Item>::size() const {
     std::int64_t count = 0;
-    for (Iterator at = begin(); at != end(); ++at) {
+    for (Iterator item = begin(); item != end(); ++item) {
         ++count;
     }
     return count;
@@ -124,8 +125,8 @@ std::optional<List<Item>> Value::listOf(std::optional<Item> (Value::*read)() con
     if (node.kind != Kind::list) {
         return std::nullopt;
     }
-    for (std::uint32_t at = index_ + 1; at < node.position; at = tape_->after(at)) {
-        if (!(Value(tape_, at).*read)()) {
+    for (std::uint32_t index = index_ + 1; index < node.position; index = tape_->after(index)) {
+        if (!(Value(tape_, index).*read)()) {
             return std::nullopt;
         }
     }
@@ -158,28 +159,28 @@ bool Object::isEmpty() const {
 Members Object::sortedMembers() const {
     const detail::Tape& tape = *value_.tape_;
     const std::uint32_t end = tape.nodes[value_.index_].position;
-    std::vector<std::uint32_t> places;
-    // At most every second node is a key, and what isn't filled is never touched.
-    places.reserve((end - value_.index_) / 2);
-    for (std::uint32_t at = value_.index_ + 1; at < end; at = tape.after(at + 1)) {
-        places.push_back(at);
+    std::vector<std::uint32_t> indices;
+    // At most every second node is a key. Reserved memory that is never written costs nothing.
+    indices.reserve((end - value_.index_) / 2);
+    for (std::uint32_t index = value_.index_ + 1; index < end; index = tape.after(index + 1)) {
+        indices.push_back(index);
     }
-    const auto key = [&](std::uint32_t place) { return tape.slice(tape.nodes[place]); };
-    // Not a stable sort: it takes memory.
-    std::sort(places.begin(), places.end(), [&](std::uint32_t one, std::uint32_t other) {
+    const auto key = [&](std::uint32_t index) { return tape.slice(tape.nodes[index]); };
+    // Not std::stable_sort, which allocates memory.
+    std::sort(indices.begin(), indices.end(), [&](std::uint32_t left, std::uint32_t right) {
         // Not <=>, which libc++ 14 does not have for texts.
-        const int order = key(one).compare(key(other));
-        return order < 0 || (order == 0 && one < other);
+        const int order = key(left).compare(key(right));
+        return order < 0 || (order == 0 && left < right);
     });
-    const auto isSame = [&](std::uint32_t one, std::uint32_t other) {
-        return key(one) == key(other);
+    const auto haveSameKey = [&](std::uint32_t left, std::uint32_t right) {
+        return key(left) == key(right);
     };
-    places.erase(std::unique(places.begin(), places.end(), isSame), places.end());
-    return {&tape, std::move(places)};
+    indices.erase(std::unique(indices.begin(), indices.end(), haveSameKey), indices.end());
+    return {&tape, std::move(indices)};
 }
 
 Member Members::Iterator::operator*() const {
-    return {tape_->slice(tape_->nodes[*place_]), Value(tape_, *place_ + 1)};
+    return {tape_->slice(tape_->nodes[*index_]), Value(tape_, *index_ + 1)};
 }
 
 template <class Type>

@@ -18,8 +18,8 @@ namespace detail {
 struct Tape;
 }
 
-/// A list whose every element is an Item: an Object or a std::string_view. The elements are read
-/// from the document as one goes, so that however many there are, no memory is needed for them.
+/// A list whose elements are all of type Item: Object or std::string_view. The iterator reads each
+/// element from the document, so a list takes no memory for its elements.
 template <class Item>
 class List {
 public:
@@ -37,13 +37,13 @@ public:
         std::uint32_t index_;
     };
 
-    /// An empty one.
+    /// Creates an empty list.
     List() = default;
 
     [[nodiscard]] Iterator begin() const { return {tape_, begin_}; }
     [[nodiscard]] Iterator end() const { return {tape_, end_}; }
     [[nodiscard]] bool empty() const { return begin_ == end_; }
-    /// Goes through all of them to count them.
+    /// Counts the elements, in linear time.
     [[nodiscard]] std::int64_t size() const;
 
 private:
@@ -56,24 +56,24 @@ private:
     std::uint32_t end_ = 0;
 };
 
-/// One value of a Document, and good for as long as the Document and the text it was parsed from.
-/// Each reader gives the value if the JSON holds one of that type, and nothing otherwise.
+/// One value of a Document. It is valid as long as the Document and the text that was parsed. Each
+/// reader returns the value if it has the reader's JSON type, and nothing otherwise.
 class Value {
 public:
     [[nodiscard]] bool isNull() const;
     [[nodiscard]] std::optional<std::string_view> text() const;
-    /// true and false; the numbers 1 and 0 as well.
+    /// Accepts true and false, and the numbers 1 and 0.
     [[nodiscard]] std::optional<bool> boolean() const;
-    /// true and false only.
+    /// Accepts only true and false.
     [[nodiscard]] std::optional<bool> strictBoolean() const;
-    /// Whole numbers within the range, however they are written: 2, 2.0 and 2e0 alike.
+    /// Accepts whole numbers within the range of the type, however they are written: 2, 2.0 or 2e0.
     [[nodiscard]] std::optional<std::int64_t> integer() const;
     [[nodiscard]] std::optional<std::uint64_t> unsignedInteger() const;
-    /// Any number, as it stands in the document.
+    /// Returns any number as it is written in the document.
     [[nodiscard]] std::optional<std::string_view> numberLiteral() const;
     [[nodiscard]] std::optional<Object> object() const;
-    /// Lists whose every element is an object, a text, or a number as it stands in the document; an
-    /// empty list is all of them.
+    /// These three accept a list if all its elements are objects, texts or numbers respectively.
+    /// All three accept an empty list.
     [[nodiscard]] std::optional<List<Object>> objects() const;
     [[nodiscard]] std::optional<List<std::string_view>> texts() const;
     [[nodiscard]] std::optional<List<std::string_view>> numberLiterals() const;
@@ -93,13 +93,15 @@ private:
     std::uint32_t index_;
 };
 
-/// A JSON object and its typed readers: each takes a key, and gives a default where the key is
-/// absent or holds a value of another type. Of two members with the same key the first counts.
+/// A JSON object with typed readers. Each reader takes a key, and returns a default (0, false, an
+/// empty text or list, or nothing) if the key is absent or its value has another type. If several
+/// members have the same key, the first is read.
 class Object {
 public:
     [[nodiscard]] std::optional<Value> find(std::string_view key) const;
     [[nodiscard]] bool isEmpty() const;
-    /// Each key once, in ascending order of code points (which is that of their bytes).
+    /// Returns the members in ascending order of their keys' code points, which is also the order
+    /// of their bytes. Omits a member whose key an earlier member has.
     [[nodiscard]] Members sortedMembers() const;
 
     [[nodiscard]] std::string_view text(std::string_view key) const;
@@ -132,52 +134,52 @@ struct Member {
     Value value;
 };
 
-/// Members of an Object in an order of their own. Held are only their places, because there may be
-/// many and a place is small.
+/// The members of an Object in sorted order. Stores only their indices in the document, because an
+/// object can have millions of members.
 class Members {
 public:
     class Iterator {
     public:
         Member operator*() const;
         Iterator& operator++() {
-            ++place_;
+            ++index_;
             return *this;
         }
         bool operator==(const Iterator&) const = default;
 
     private:
         friend class Members;
-        Iterator(const detail::Tape* tape, const std::uint32_t* place)
-            : tape_(tape), place_(place) {}
+        Iterator(const detail::Tape* tape, const std::uint32_t* index)
+            : tape_(tape), index_(index) {}
 
         const detail::Tape* tape_;
-        const std::uint32_t* place_;
+        const std::uint32_t* index_;
     };
 
-    [[nodiscard]] Iterator begin() const { return {tape_, places_.data()}; }
-    [[nodiscard]] Iterator end() const { return {tape_, places_.data() + places_.size()}; }
+    [[nodiscard]] Iterator begin() const { return {tape_, indices_.data()}; }
+    [[nodiscard]] Iterator end() const { return {tape_, indices_.data() + indices_.size()}; }
 
 private:
     friend class Object;
-    Members(const detail::Tape* tape, std::vector<std::uint32_t> places)
-        : tape_(tape), places_(std::move(places)) {}
+    Members(const detail::Tape* tape, std::vector<std::uint32_t> indices)
+        : tape_(tape), indices_(std::move(indices)) {}
 
     const detail::Tape* tape_;
-    std::vector<std::uint32_t> places_;
+    std::vector<std::uint32_t> indices_;
 };
 
-/// A parsed JSON document: RFC 8259, UTF-8, nothing more lenient. Numbers are kept as they are
-/// written, so none is out of range or loses digits before a reader asks for it.
+/// A parsed JSON document, strictly RFC 8259 in UTF-8. It stores numbers as they are written, so a
+/// number loses no digits and cannot be out of range before it is read.
 class Document {
 public:
-    /// Parses all of the text, which must outlive the result. Gives nothing when the text is not a
-    /// JSON document, is nested deeper than 1,024 levels, is longer than 256 MiB, or holds half a
-    /// surrogate pair or a number whose exponent alone doesn't fit in 32 bits.
+    /// Parses the whole text, which must outlive the result. Returns nothing if the text is not a
+    /// JSON document, is nested deeper than 1,024 levels, is longer than 256 MiB, or contains half
+    /// a surrogate pair or a number whose exponent does not fit in 32 bits.
     ///
-    /// With `keys` the whole text is checked all the same, but hardly any memory is needed: kept
-    /// are only the members with these keys, of the outermost object and of the objects right in
-    /// it, and of those with the same key the first. All else reads as missing, and so do the
-    /// lists and texts among them.
+    /// With `keys`, the whole text is still validated, but the result keeps only members with these
+    /// keys, and so takes hardly any memory. It keeps them in the outermost object and in the
+    /// objects that it directly contains; if several have the same key, it keeps the first. All
+    /// other members are missing, and the kept lists and texts read as null.
     static std::optional<Document> parse(std::string_view text,
                                          std::span<const std::string_view> keys = {});
 

@@ -44,15 +44,14 @@ public:
         }
     }
 
-    /// Ends the current key, whose whole size is given. Returns its index among the selected keys,
-    /// or nothing.
-    std::optional<std::size_t> endKey(std::size_t size) {
+    /// Ends the current key, whose whole size is given. Returns the key if it is selected.
+    std::optional<std::string_view> endKey(std::size_t size) {
         const auto found = std::find(keys_.begin(), keys_.end(), key_);
         key_.clear();
         if (found == keys_.end() || found->size() != size) {
             return std::nullopt;
         }
-        return static_cast<std::size_t>(found - keys_.begin());
+        return *found;
     }
 
 private:

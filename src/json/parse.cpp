@@ -73,10 +73,6 @@ public:
                tape_.find(key, openContainers_.back() + 1, nextIndex()) == nextIndex();
     }
 
-    void addSelectedKey(std::size_t index) {
-        add(Kind::selectedKey, tape_.selectedKeys[index].size(), index);
-    }
-
 private:
     [[nodiscard]] std::uint32_t nextIndex() const {
         return static_cast<std::uint32_t>(tape_.nodes.size());
@@ -105,8 +101,8 @@ public:
     static constexpr std::size_t max_key_size = detail::maxSize;
     static constexpr std::size_t max_string_size = detail::maxSize;
 
-    explicit EventHandler(Tape& tape)
-        : selectedKeys_(tape.selectedKeys), builder_(tape), filter_(tape.selectedKeys) {}
+    EventHandler(Tape& tape, std::span<const std::string_view> keys)
+        : builder_(tape), filter_(keys) {}
 
     using Error = boost::system::error_code;
     using Text = boost::json::string_view;
@@ -145,7 +141,7 @@ public:
             builder_.addText(view(last), size);
         } else if (!filter_.isInSkippedContainer()) {
             filter_.addKeyPart(view(last), size);
-            selectMember(filter_.endKey(size));
+            selectMember(view(last), size);
         }
         return true;
     }
@@ -202,16 +198,17 @@ private:
         return true;
     }
 
-    /// Keeps the member that begins here if its key is selected, and is the first such key.
-    void selectMember(std::optional<std::size_t> keyIndex) {
-        const bool keeps = keyIndex && builder_.acceptsMember(selectedKeys_[*keyIndex]);
+    /// Keeps the member whose key ends here if the key is selected, and is the first such key.
+    void selectMember(std::string_view last, std::size_t size) {
+        const auto key = filter_.endKey(size);
+        const bool keeps = key && builder_.acceptsMember(*key);
         filter_.setKeepsValue(keeps);
         if (keeps) {
-            builder_.addSelectedKey(*keyIndex);
+            // A key without escapes is one part of the source, and is not copied.
+            builder_.addText(last.size() == size ? last : *key, size);
         }
     }
 
-    std::span<const std::string_view> selectedKeys_;
     TapeBuilder builder_;
     detail::MemberFilter filter_;
 };
@@ -225,7 +222,6 @@ std::optional<Document> Document::parse(std::string_view text,
     }
     auto tape = std::make_unique<Tape>();
     tape->source = text;
-    tape->selectedKeys = keys;
     if (keys.empty()) {
         // A node takes at least two bytes of JSON, except for brackets that a faulty document does
         // not close. Reserved memory that is never written costs nothing.
@@ -234,7 +230,7 @@ std::optional<Document> Document::parse(std::string_view text,
 
     boost::json::parse_options options;
     options.max_depth = detail::maxDepth;
-    boost::json::basic_parser<EventHandler> parser(options, *tape);
+    boost::json::basic_parser<EventHandler> parser(options, *tape, keys);
     boost::system::error_code error;
     const std::size_t used = parser.write_some(false, text.data(), text.size(), error);
     if (error || used != text.size()) {

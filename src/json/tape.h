@@ -4,24 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string_view>
 #include <vector>
 
 /// The memory layout of a Document; only for the source files that implement it.
 namespace fernlow::json::detail {
 
-enum class Kind : std::uint8_t {
-    null,
-    yes,
-    no,
-    number,
-    text,
-    unescapedText,
-    selectedKey,
-    list,
-    object
-};
+enum class Kind : std::uint8_t { null, yes, no, number, text, unescapedText, list, object };
 
 /// One value or key. A node takes 8 bytes, because memory access dominates the time for a large
 /// reply.
@@ -29,8 +18,8 @@ struct Node {
     Kind kind : 4;
     /// The length of a text or number in bytes.
     std::uint32_t size : 28;
-    /// For a text or number, the offset of its first byte. For a selected key, its index among the
-    /// selected keys. For a list or object, the index after its last node.
+    /// For a text or number, the offset of its first byte. For a list or object, the index after
+    /// its last node.
     std::uint32_t position;
 };
 static_assert(sizeof(Node) == 8);
@@ -45,19 +34,12 @@ struct Tape {
     std::string_view source;
     /// The decoded texts that contain escapes. All other texts are read from the source.
     ByteBuffer unescaped;
-    std::span<const std::string_view> selectedKeys;
     std::vector<Node> nodes;
 
     /// Returns the bytes of a key, text or number.
     [[nodiscard]] std::string_view slice(const Node& node) const {
-        switch (node.kind) {
-        case Kind::selectedKey:
-            return selectedKeys[node.position];
-        case Kind::unescapedText:
-            return {unescaped.view().data() + node.position, node.size};
-        default:
-            return {source.data() + node.position, node.size};
-        }
+        const std::string_view whole = node.kind == Kind::unescapedText ? unescaped.view() : source;
+        return {whole.data() + node.position, node.size};
     }
 
     /// Returns the index after the last node of the value at the index.
