@@ -1,6 +1,6 @@
-// Argument lists, one word a line, through the whole of parsing. Every body that comes out must be
-// an object to an independent parser (which checks its UTF-8 too), with null only where a setting's
-// value is null.
+// Parses argument lists, with one word on each line of the input. An independent JSON library must
+// read each request body as an object without null members, and in valid UTF-8. (A setting's value
+// inside a member may be null.)
 #include "cli/invocation.h"
 #include "commands/usage_error.h"
 #include "json/writer.h"

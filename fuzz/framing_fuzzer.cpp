@@ -1,5 +1,5 @@
-// Reply bytes through framing: they are refused, or the body is all that lies behind the first
-// blank line.
+// Parses the bytes of a reply. They are rejected as malformed, or the body is everything after the
+// first blank line.
 #include "require.h"
 #include "transport/http.h"
 #include "transport/socket_client_error.h"

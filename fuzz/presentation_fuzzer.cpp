@@ -1,6 +1,5 @@
-// Reply bodies through presentation, for a person and as JSON. The text is always valid UTF-8, the
-// status one of those that a reply decides, the stream standard error exactly for a refusal or an
-// unreadable body, and both forms agree.
+// Presents reply bodies as text and as JSON. Both outputs are valid UTF-8 and have the same exit
+// status: 0, 1, 4 or 5. Only outputs with status 5 go to standard error.
 #include "render/reply.h"
 #include "require.h"
 
@@ -13,7 +12,7 @@
 
 namespace {
 
-/// By an independent judge: the other library refuses to write a text that isn't.
+/// Asks an independent JSON library, which refuses to write ill-formed text.
 bool isValidUtf8(std::string_view text) {
     try {
         static_cast<void>(nlohmann::json(text).dump());

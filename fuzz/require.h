@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the fuzzer, and so keeps its input, when the condition doesn't hold.
+/// Aborts if the condition is false, so that the fuzzer reports and keeps the input.
 #define FUZZ_REQUIRE(condition)                                                                    \
     do {                                                                                           \
         if (!(condition)) {                                                                        \
-            std::fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition);           \
+            std::fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, __LINE__, #condition);           \
             std::abort();                                                                          \
         }                                                                                          \
     } while (false)

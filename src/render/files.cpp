@@ -53,7 +53,7 @@ bool renderFileList(const json::Object& result, Lines& lines) {
     lines.add(count, " of ", result.optionalInteger("total").value_or(count), ".");
     if (result.boolean("truncated")) {
         const std::int64_t offset = result.integer("offset");
-        // Added without a sign: an offset near the top of its range must not overflow.
+        // An unsigned sum, because a large offset would overflow a signed sum.
         const auto next = static_cast<std::uint64_t>(offset) + static_cast<std::uint64_t>(count);
         lines.add("More to come: ask again with --offset ");
         if (offset < 0) {

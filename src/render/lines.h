@@ -13,34 +13,33 @@
 
 namespace fernlow {
 
-/// A text that grew beyond all use.
+/// Thrown when a text would exceed its limit.
 class TextTooLong : public std::exception {
 public:
     [[nodiscard]] const char* what() const noexcept override { return "The text is too long."; }
 };
 
-/// A text to be shown with its ASCII letters in upper case: the application's own words are ASCII.
+/// A text whose ASCII letters are shown in upper case. The application's own words are ASCII.
 struct UpperCase {
     std::string_view text;
 };
 
-/// The lines that a view makes of a reply.
+/// The lines of a view.
 ///
-/// A hostile reply can ask for far more text than it holds itself (a path is shown again with each
-/// of its issues), so all that adds to them throws TextTooLong beyond 256 MiB.
+/// A hostile reply can cause much more text than it contains, because a path is shown again with
+/// each of its issues. Every function that adds text throws TextTooLong beyond 256 MiB.
 class Lines {
 public:
-    static constexpr std::size_t longestText = std::size_t{256} * 1024 * 1024;
+    static constexpr std::size_t maxSize = std::size_t{256} * 1024 * 1024;
 
-    /// Adds one line made of the parts, one after the other: texts, upper-cased texts, and integers
-    /// in decimal.
+    /// Adds a line that consists of the parts: texts, texts in upper case, and integers in decimal.
     template <class... Parts>
     void add(const Parts&... parts) {
         start();
         (append(parts), ...);
     }
 
-    /// start() and append() make a line piece by piece, where add() would need all of it at once.
+    /// Starts a line whose parts are added with append().
     void start() {
         if (started_) {
             append("\n");
@@ -48,11 +47,11 @@ public:
         started_ = true;
     }
     void append(std::string_view text) {
-        checkRoom(text.size());
+        checkSize(text.size());
         text_.append(text);
     }
     void append(UpperCase shown) {
-        checkRoom(shown.text.size());
+        checkSize(shown.text.size());
         std::transform(
             shown.text.begin(), shown.text.end(), text_.room(shown.text.size()), [](char letter) {
                 return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A')
@@ -67,12 +66,12 @@ public:
         append(std::string_view{digits.data(), static_cast<std::size_t>(end - digits.data())});
     }
 
-    /// The lines joined with line breaks, without one at the end.
+    /// Returns the lines joined with line breaks, without a final line break.
     [[nodiscard]] ByteBuffer join() && { return std::move(text_); }
 
 private:
-    void checkRoom(std::size_t count) const {
-        if (count > longestText - text_.view().size()) {
+    void checkSize(std::size_t count) const {
+        if (count > maxSize - text_.view().size()) {
             throw TextTooLong();
         }
     }

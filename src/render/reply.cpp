@@ -17,13 +17,13 @@ constexpr int somethingFailed = 1;
 constexpr int waitExpired = 4;
 constexpr int refused = 5;
 
-/// All that is read of a reply to decide its exit status.
-constexpr auto keysOfStatus =
+/// The keys that determine a reply's exit status.
+constexpr auto exitStatusKeys =
     std::to_array<std::string_view>({"ok", "result", "timedOut", "errorCount"});
 
 using View = bool (*)(const json::Object& result, Lines& lines);
 
-/// In the order in which they are tried.
+/// The views of an object result, in the order in which they are tried.
 constexpr auto views = std::to_array<View>({
     renderWorkReport,
     renderStatus,
@@ -35,10 +35,10 @@ constexpr auto views = std::to_array<View>({
     renderAppliedSettings,
 });
 
-/// Parses the body after making it valid UTF-8, if it isn't.
+/// Parses the body. Replaces ill-formed UTF-8 in it first if necessary.
 std::optional<json::Document> parseBody(ByteBuffer& body, std::span<const std::string_view> keys) {
     auto document = json::Document::parse(body.view(), keys);
-    // Whatever parses is valid, so only a body that doesn't is worth a second look.
+    // The parser accepts only valid UTF-8, so only a body that it rejects is checked.
     if (!document && !utf8::isWellFormed(body.view())) {
         body = utf8::replaceIllFormed(body.view());
         document = json::Document::parse(body.view(), keys);
@@ -60,13 +60,12 @@ std::string_view refusalMessage(const json::Object& reply) {
     return message.value_or("Fernlow refused the request.");
 }
 
-/// Settings schemas and projects are both lists of objects: the first row tells which.
+/// Settings schemas and projects are both lists of objects. The first row determines the view.
 void renderRows(const json::List<json::Object>& rows, Lines& lines) {
     const bool areSettings = !rows.empty() && (*rows.begin()).find("valueType");
     renderList(rows, areSettings ? renderSettingRow : renderProjectRow, "No projects.", lines);
 }
 
-/// 5 refused; 4 the wait expired; 1 something failed; 0 otherwise.
 int replyExitStatus(bool ok, const std::optional<json::Object>& result) {
     if (!ok) {
         return refused;
@@ -80,8 +79,8 @@ int replyExitStatus(bool ok, const std::optional<json::Object>& result) {
     return result->integer("errorCount") >= 1 ? somethingFailed : 0;
 }
 
-/// The text that shows a person a reply that was carried out. `result` is the reply's "result"
-/// where that is an object. Throws TextTooLong when the text would have no end.
+/// Returns the text for a successful reply. `result` is the reply's "result" if it is an object.
+/// Throws TextTooLong if the text exceeds its limit.
 ByteBuffer renderResult(const std::optional<json::Object>& result, const json::Object& reply) {
     Lines lines;
     if (const auto rows = reply.optionalObjects("result")) {
@@ -98,7 +97,7 @@ ByteBuffer renderResult(const std::optional<json::Object>& result, const json::O
 ReplyOutput presentReply(std::int64_t /*statusCode*/, ByteBuffer body, bool wantsJSON) {
     std::span<const std::string_view> keys;
     if (wantsJSON) {
-        keys = keysOfStatus;
+        keys = exitStatusKeys;
     }
     const auto document = parseBody(body, keys);
     const auto reply = document ? document->root().object() : std::nullopt;

@@ -6,16 +6,16 @@
 
 namespace fernlow {
 
-/// What a reply comes to: the text to show, to which the caller adds one line break, the stream it
-/// belongs on, and the exit status.
+/// The outcome of a reply: the text, without the line break that the caller adds; the stream for
+/// the text; and the exit status of the program.
 struct ReplyOutput {
     ByteBuffer text;
     bool toStandardError = false;
     int exitStatus = 0;
 };
 
-/// Decides all of that from the reply's body alone; the status code plays no part. As JSON the text
-/// is the body itself, made valid UTF-8 where it isn't.
+/// Determines the outcome from the reply's body; the status code has no influence. With `wantsJSON`
+/// the text is the body itself, with ill-formed UTF-8 replaced.
 ReplyOutput presentReply(std::int64_t statusCode, ByteBuffer body, bool wantsJSON);
 
 } // namespace fernlow

@@ -6,7 +6,7 @@ namespace fernlow {
 
 namespace {
 
-/// The first five characters of the text, filled up with spaces.
+/// Returns the first five characters of the text, padded with spaces.
 std::string fittedToFive(std::string_view text) {
     std::string fitted;
     std::size_t characters = 0;

@@ -23,13 +23,13 @@ void formatNumber(std::string_view literal, Lines& lines) {
     } else if (const double value = number::nearestDouble(literal); std::isfinite(value)) {
         lines.append(number::shortestDecimal(value));
     } else {
-        // What no double can hold is shown as the reply has it.
+        // A number outside the range of a double is shown as the reply contains it.
         lines.append(literal);
     }
 }
 
-/// Puts a setting's value behind the line being made; "(unset)" for null and whatever no setting
-/// holds.
+/// Appends a setting's value to the current line: "(unset)" for null and for a value of a type that
+/// settings do not have.
 void formatSettingValue(const json::Value& value, Lines& lines) {
     if (const auto texts = value.texts()) {
         joinTexts(*texts, lines);
@@ -42,35 +42,35 @@ void formatSettingValue(const json::Value& value, Lines& lines) {
     }
 }
 
-/// Those of each language under its name. Gives whether there were any.
+/// Adds the settings of each language under its name. Returns whether there were any.
 bool renderLanguages(const json::Object& languages, Lines& lines) {
-    bool any = false;
+    bool hasLines = false;
     for (const auto [name, value] : languages.sortedMembers()) {
         const auto values = value.object();
         if (values && !values->isEmpty()) {
             lines.add();
             lines.add(name, ":");
             renderValues(*values, lines);
-            any = true;
+            hasLines = true;
         }
     }
-    return any;
+    return hasLines;
 }
 
-/// Those of the whole project, then those of each language, under headings; empty ones are left
-/// out.
+/// Adds the settings of the whole project and then of each language, with headings. Leaves out
+/// empty sections.
 void renderSettings(const json::Object& project, const std::optional<json::Object>& languages,
                     Lines& lines) {
-    bool any = false;
+    bool hasLines = false;
     if (!project.isEmpty()) {
         lines.add("Project-wide:");
         renderValues(project, lines);
-        any = true;
+        hasLines = true;
     }
     if (languages && renderLanguages(*languages, lines)) {
-        any = true;
+        hasLines = true;
     }
-    if (!any) {
+    if (!hasLines) {
         lines.add("No settings.");
     }
 }

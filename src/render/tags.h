@@ -6,28 +6,28 @@
 
 namespace fernlow {
 
-/// Puts tags behind the line being made: two spaces and the tags between brackets, separated by a
-/// comma. Nothing is put there without a tag.
+/// Appends tags to the current line: two spaces, then the tags in brackets, separated by commas.
+/// Appends nothing if there are no tags.
 class Tags {
 public:
     explicit Tags(Lines& lines) : lines_(lines) {}
 
     template <class... Parts>
     void add(const Parts&... parts) {
-        lines_.append(any_ ? std::string_view(", ") : std::string_view("  ["));
+        lines_.append(hasTags_ ? std::string_view(", ") : std::string_view("  ["));
         (lines_.append(parts), ...);
-        any_ = true;
+        hasTags_ = true;
     }
 
     void close() {
-        if (any_) {
+        if (hasTags_) {
             lines_.append(std::string_view("]"));
         }
     }
 
 private:
     Lines& lines_;
-    bool any_ = false;
+    bool hasTags_ = false;
 };
 
 } // namespace fernlow

@@ -5,14 +5,14 @@
 
 #include <string_view>
 
-/// The text views: each adds the lines that show a result, or an element of one, to a person.
+/// The text views. Each view adds the lines that show a result, or one element of a result.
 ///
-/// Those that give a boolean are tried in turn on an object result: they add nothing and give false
-/// when the result is not theirs.
+/// The views that return a boolean are tried in order on an object result. A view that does not
+/// recognise the result adds nothing and returns false.
 namespace fernlow {
 
-/// One line per item by the row renderer, in the reply's order; a single line, the empty text, when
-/// there are none.
+/// Renders each item with the row renderer, in the reply's order. Adds `emptyText` as the only line
+/// if there are no items.
 template <class Row>
 void renderList(const json::List<json::Object>& items, Row renderRow, std::string_view emptyText,
                 Lines& lines) {
@@ -24,40 +24,41 @@ void renderList(const json::List<json::Object>& items, Row renderRow, std::strin
     }
 }
 
-/// How much was compiled, and every problem with its places. A result with an integer
-/// "compiledFileCount".
+/// Shows how much was compiled, and each problem with the lines and columns that it affects.
+/// Recognises a result by the integer "compiledFileCount".
 bool renderWorkReport(const json::Object& result, Lines& lines);
 
-/// What the application is doing. A result with a "logCursor" that is not negative.
+/// Shows what the application is doing. Recognises a result by a "logCursor" that is not negative.
 bool renderStatus(const json::Object& result, Lines& lines);
 
-/// A result with a list of objects "entries".
+/// Shows log entries. Recognises a result by the list of objects "entries".
 bool renderLog(const json::Object& result, Lines& lines);
 
-/// The whole API. A result with texts "notes" and a list of objects "endpoints".
+/// Shows the whole API. Recognises a result by the texts "notes" and the list of objects
+/// "endpoints".
 bool renderSchema(const json::Object& result, Lines& lines);
 
-/// A page of files, with the count and where the next page begins. A result with a list of objects
-/// "files".
+/// Shows a page of files, their count, and the offset of the next page. Recognises a result by the
+/// list of objects "files".
 bool renderFileList(const json::Object& result, Lines& lines);
 
-/// One file and its settings. A result with an object "file".
+/// Shows one file and its settings. Recognises a result by the object "file".
 bool renderFile(const json::Object& result, Lines& lines);
 
-/// A project's settings, those of the whole project and then those of each language. A result with
-/// an object "project".
+/// Shows the settings of the whole project and then of each language. Recognises a result by the
+/// object "project".
 bool renderProjectSettings(const json::Object& result, Lines& lines);
 
-/// Settings as they now stand after a change. A result with an object "applied".
+/// Shows settings after a change. Recognises a result by the object "applied".
 bool renderAppliedSettings(const json::Object& result, Lines& lines);
 
-/// One line a setting: its key, ascending by code point, and its value.
+/// Shows the key and value of each setting on one line, sorted by the keys' code points.
 void renderValues(const json::Object& values, Lines& lines);
 
-/// One line of a settings schema.
+/// Shows one setting of a schema on one line.
 void renderSettingRow(const json::Object& setting, Lines& lines);
 
-/// The two lines of a project, framework or group.
+/// Shows a project, framework or group on two lines.
 void renderProjectRow(const json::Object& project, Lines& lines);
 
 } // namespace fernlow
