@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// A replacement character, and several in a row.
+// One replacement character, and several in a row.
 #define R1 "\uFFFD"
 #define R3 R1 R1 R1
 #define R8 R3 R3 R1 R1
@@ -49,7 +49,7 @@ TEST(Utf8, ReplacesMaximalSubparts) {
         {"\xf0\x9f\xc3\xa9", R1 "\u00e9"},
         {"\xf0\x9f\x98\x80\x80", "\U0001F600" R1},
     };
-    // At every offset, for a scan that takes several bytes at a time.
+    // At many offsets, because the product checks several bytes at a time.
     for (const Case& row : cases) {
         for (std::size_t offset = 0; offset < 40; ++offset) {
             for (const std::size_t rest : {0U, 1U, 40U}) {
@@ -64,7 +64,7 @@ TEST(Utf8, ReplacesMaximalSubparts) {
     }
 }
 
-TEST(Number, IsShownInPlainDigits) {
+TEST(Number, HasPlainDigitsInTheText) {
     const struct {
         std::string literal;
         std::string shown;
@@ -99,7 +99,7 @@ TEST(Number, IsShownInPlainDigits) {
     }
 }
 
-TEST(Document, SaysWhatIsUnreadableWhereverItLies) {
+TEST(Document, RejectsInvalidJSONAtAnyDepth) {
     std::vector<std::string> bodies = {"", "{\"a\":\"\n\"}", "{\"ok\":true}\xff"};
     std::istringstream rest(R"(
         [] null true 1 ok { "ok" [{"ok":true}] {"ok":true {"ok":true,} {"ok":true}x {"ok":true}{}
@@ -124,14 +124,14 @@ TEST(Document, SaysWhatIsUnreadableWhereverItLies) {
     }
 }
 
-TEST(Document, ReadsDeepNesting) {
+TEST(Document, AcceptsDeepNesting) {
     const std::string body = R"({"ok":true,"result":{"entries":[],"x":)" + std::string(900, '[') +
                              std::string(900, ']') + "}}";
     EXPECT_EQ(presentReply(200, ByteBuffer(body), false).text.view(), "Nothing logged.");
     EXPECT_EQ(presentReply(200, ByteBuffer(body), true).text.view(), body);
 }
 
-TEST(Document, KeepsLongTextsAndNumbersWhole) {
+TEST(Document, ReadsLongTextsAndNumbers) {
     const std::string x(5000, 'x');
     const std::string body = R"({"ok":true,"result":{"errorCount":)" + std::string(5000, '7') +
                              R"(,"applied":{")" + x + "\\u0041" + x + "\":\"" + x + "\\n" + x +

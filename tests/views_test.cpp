@@ -19,7 +19,7 @@ constexpr std::string_view nothingMatched =
 
 enum class Stream { out, err };
 
-/// A whole reply and all that it comes to.
+/// A reply, or several separated by "|", and the output of each.
 struct Case {
     std::string_view reply;
     std::string_view text;
@@ -27,8 +27,7 @@ struct Case {
     int exitStatus = 0;
 };
 
-/// The "result" of a reply whose "ok" is true, or several with "|" between them, and what a person
-/// sees of each.
+/// The "result" of a reply whose "ok" is true, or several separated by "|", and the text for each.
 struct ViewCase {
     std::string_view results;
     std::string_view text;
@@ -60,7 +59,7 @@ void expectViews(const std::vector<ViewCase>& cases) {
     }
 }
 
-TEST(ReplyText, TellsAnswersFromRefusals) {
+TEST(ReplyText, DistinguishesSuccessFromRefusal) {
     const Case cases[] = {
         {R"({"ok":true}|{"ok":1}|{"\u006fk":true}|{"ok":true,"error":{"message":"M"}}|
             {"ok":true,"m":1e999,"n":-123456789012345678901234567890})",
@@ -128,7 +127,7 @@ TEST(ReplyText, ExitStatusFollowsTheResult) {
     });
 }
 
-TEST(ReplyText, TakesTheFirstViewThatFits) {
+TEST(ReplyText, UsesTheFirstMatchingView) {
     expectViews({
         {R"([])", "No projects."},
         {R"([{"valueType":null},{"name":"N"}])", "  [, ]\nN  [, ]"},
@@ -180,7 +179,7 @@ TEST(StatusView, ShowsWhatTheApplicationIsDoing) {
     });
 }
 
-TEST(ListViews, ShowOneRowForEachElementInItsOrder) {
+TEST(ListViews, ShowOneRowPerElementInOrder) {
     expectViews({
         {R"([{"name":"z","path":"/z","isEnabled":true,"isFramework":false,"id":"x"},
              {"name":"N","path":"/p","isFramework":true},{"isFramework":1,"isEnabled":1},{},
@@ -205,7 +204,7 @@ TEST(ListViews, ShowOneRowForEachElementInItsOrder) {
     });
 }
 
-TEST(WorkReportView, CountsThenListsProblemsThenNotes) {
+TEST(WorkReportView, ShowsCountsThenProblemsThenNotes) {
     expectViews({
         {R"({"compiledFileCount":0}|{"compiledFileCount":0.0,"errorCount":"2","warningCount":1.5})",
          "Compiled 0 files. 0 errors, 0 warnings."},
