@@ -28,8 +28,11 @@ public:
     explicit BashLine(std::string_view line) : line_(line) {
         while (at_ < line_.size() && state_ != State::elsewhere) {
             const char character = line_[at_++];
-            if (state_ == State::singleQuotes) {
-                readSingleQuoted(character);
+            const bool endsQuote = openQuote() != '\0' && character == openQuote();
+            if (endsQuote) {
+                state_ = State::inWord;
+            } else if (state_ == State::singleQuotes) {
+                put(character);
             } else if (state_ == State::doubleQuotes) {
                 readDoubleQuoted(character);
             } else {
@@ -76,18 +79,8 @@ private:
         state_ = state_ == State::betweenWords ? State::inWord : state_;
     }
 
-    void readSingleQuoted(char character) {
-        if (character == '\'') {
-            state_ = State::inWord;
-        } else {
-            put(character);
-        }
-    }
-
     void readDoubleQuoted(char character) {
-        if (character == '"') {
-            state_ = State::inWord;
-        } else if (character == '\\' && isOneOf(next(), "\"\\$`")) {
+        if (character == '\\' && isOneOf(next(), "\"\\$`")) {
             readEscaped();
         } else if (isOneOf(character, "$`!")) {
             readExpansion(character);

@@ -5,7 +5,6 @@
 #include "completion/disk_names.h"
 #include "completion/known_values.h"
 #include "json/writer.h"
-#include "transport/socket_location.h"
 
 #include <algorithm>
 #include <span>
@@ -196,15 +195,6 @@ private:
         }
     }
 
-    [[nodiscard]] std::string socketPath() const {
-        const std::string* const socket = line_.globals().socketPath();
-        if (socket == nullptr) {
-            return defaultSocketPath();
-        }
-        // The shell expands a "~" only when it runs the line.
-        return socket->starts_with('~') ? resolvePath(*socket, context_.currentDirectory) : *socket;
-    }
-
     /// Whether the command would read the word as a value, not as an option.
     [[nodiscard]] bool isReadAsValue(const std::string& word) const {
         const auto globals = GlobalOptions::all();
@@ -217,8 +207,7 @@ private:
 
     void addKnownValues(ValueKind kind) {
         try {
-            Application application(socketPath(), context_.deadline);
-            auto known = knownValues(kind, line_, context_.currentDirectory, application);
+            auto known = knownValues(kind, line_, context_);
             std::erase_if(known, [this](const Candidate& candidate) {
                 return !isReadAsValue(candidate.value);
             });

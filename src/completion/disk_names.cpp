@@ -19,34 +19,17 @@ bool isFolder(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// A typed path: a folder, which is empty or ends with "/", and the beginning of a name.
-struct TypedPath {
-    std::string folder;
-    std::string beginning;
-
-    /// Whether the name may follow the folder. At the beginning of a path, fernlow would take a
-    /// "~" for a home folder and "--" for an option.
-    [[nodiscard]] bool mayBecome(const std::string& name) const {
-        const bool isHidden = name.starts_with('.') && !beginning.starts_with('.');
-        const bool isOther = folder.empty() && (name.starts_with('~') || name.starts_with("--"));
-        return name != "." && name != ".." && !isHidden && !isOther;
+/// Returns the folder with the home folder in place of "~".
+std::string expanded(const std::string& folder, const CompletionContext& context) {
+    if (folder.starts_with("~/")) {
+        return context.home + folder.substr(1);
     }
+    return folder.starts_with('~') ? resolvePath(folder, context.currentDirectory) : folder;
+}
 
-    /// The folder with the home folder in place of "~".
-    [[nodiscard]] std::string onDisk(const CompletionContext& context) const {
-        if (folder.empty()) {
-            return "./";
-        }
-        if (folder.starts_with("~/")) {
-            return context.home + folder.substr(1);
-        }
-        return folder.starts_with('~') ? resolvePath(folder, context.currentDirectory) : folder;
-    }
-};
-
-std::vector<Candidate> namesIn(const TypedPath& typed, std::string_view beginning, PathKind kind,
+/// Returns the entries of a folder, whose path ends with "/", that begin with `beginning`.
+std::vector<Candidate> namesIn(const std::string& folder, std::string_view beginning, PathKind kind,
                                const CompletionContext& context) {
-    const std::string folder = typed.onDisk(context);
     const std::unique_ptr<DIR, Closer> open(::opendir(folder.c_str()));
     std::vector<Candidate> names;
     while (open && names.size() < maxCandidates) {
@@ -58,7 +41,8 @@ std::vector<Candidate> namesIn(const TypedPath& typed, std::string_view beginnin
             return {};
         }
         const std::string name(entry->d_name);
-        if (!name.starts_with(beginning) || !typed.mayBecome(name)) {
+        const bool isHidden = name.starts_with('.') && !beginning.starts_with('.');
+        if (!name.starts_with(beginning) || isHidden || name == "." || name == "..") {
             continue;
         }
         if (isFolder(folder + name)) {
@@ -83,12 +67,18 @@ void addNamesOnDisk(Completions& completions, const std::string& typed,
         return;
     }
     const std::size_t nameStart = typed.rfind('/') + 1;
-    const TypedPath path{typed.substr(0, nameStart), typed.substr(nameStart)};
-    auto names = namesIn(path, path.beginning, completions.paths, context);
+    const std::string folder = typed.substr(0, nameStart);
+    const std::string beginning = typed.substr(nameStart);
+    const std::string path = folder.empty() ? "./" : expanded(folder, context);
+    auto names = namesIn(path, beginning, completions.paths, context);
     if (names.empty() && context.shell == Shell::fish) {
         names = namesIn(path, "", completions.paths, context);
     }
-    addNames(candidates, names, path.folder, typed, context.shell);
+    // At the beginning of a path, fernlow takes "~" for a home folder and "--" for an option.
+    std::erase_if(names, [&](const Candidate& name) {
+        return folder.empty() && (name.value.starts_with('~') || name.value.starts_with("--"));
+    });
+    addNames(candidates, names, folder, typed, context.shell);
 }
 
 } // namespace fernlow::completion

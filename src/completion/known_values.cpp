@@ -2,112 +2,24 @@
 
 #include "commands/options.h"
 #include "commands/requests.h"
+#include "json/document.h"
+#include "transport/connection.h"
+#include "transport/http.h"
+#include "transport/socket_client_error.h"
+#include "transport/socket_location.h"
 
 #include <algorithm>
 #include <map>
-#include <utility>
 
 namespace fernlow::completion {
 
 namespace {
 
 using Candidates = std::vector<Candidate>;
+using Rows = json::List<json::Object>;
 
-/// The value that was given with an option, as typed.
-std::optional<std::string> given(const TypedLine& line, const Option& option) {
-    const std::string* const text = line.whole()->find(option);
-    return text == nullptr ? std::nullopt : std::optional(*text);
-}
-
-/// The path of the project that the command would ask about.
-std::string projectOf(const TypedLine& line, const CurrentDirectory& currentDirectory) {
-    if (const auto path = given(line, options::inProject)) {
-        return resolvePath(*path, currentDirectory);
-    }
-    const auto& operands = line.before()->command().operands;
-    const bool takesProject =
-        !operands.empty() && operands.front()->value.kind == ValueKind::project;
-    const auto& words = line.whole()->remaining();
-    return takesProject && !words.empty() ? resolvePath(words.front(), currentDirectory)
-                                          : currentDirectory.path();
-}
-
-std::optional<json::Value> get(Application& application, std::string_view path) {
-    return application.ask({"GET", path, {}});
-}
-
-template <WireRecord Record>
-std::optional<json::Value> ask(Application& application, std::string_view path,
-                               const Record& record) {
-    return application.ask({"POST", path, encode(record)});
-}
-
-json::List<json::Object> rowsOf(std::optional<json::Value> result) {
-    return result ? result->objects().value_or(json::List<json::Object>())
-                  : json::List<json::Object>();
-}
-
-std::vector<json::Member> membersOf(const std::optional<json::Object>& object) {
-    std::vector<json::Member> members;
-    if (object) {
-        for (const json::Member member : object->sortedMembers()) {
-            members.push_back(member);
-        }
-    }
-    return members;
-}
-
-Candidates projects(ValueKind kind, Application& application) {
-    const auto result = get(application, "/v1/projects");
-    Candidates candidates;
-    for (const json::Object row : rowsOf(result)) {
-        if (kind == ValueKind::project || !row.boolean("isFramework")) {
-            candidates.push_back({std::string(row.text("path")), std::string(row.text("name"))});
-        }
-    }
-    return candidates;
-}
-
-/// Leaves out groups that the application would refuse. The groups Projects and Frameworks are its
-/// own: nobody can change them or move a project to Frameworks. A name that two groups share could
-/// mean either.
-Candidates groups(ValueKind kind, Application& application) {
-    const auto result = get(application, "/v1/groups");
-    Candidates candidates;
-    std::map<std::string, int> uses;
-    for (const json::Object row : rowsOf(result)) {
-        candidates.push_back({std::string(row.text("name")), std::string(row.text("path"))});
-        ++uses[candidates.back().value];
-    }
-    std::erase_if(candidates, [&](const Candidate& group) {
-        return uses[group.value] > 1 || group.value == "Frameworks" ||
-               (kind == ValueKind::userGroup && group.value == "Projects");
-    });
-    return candidates;
-}
-
-Candidates languages(Application& application) {
-    // The defaults name every language without needing a project.
-    const auto result = get(application, "/v1/defaults");
-    const auto defaults = result ? result->object() : std::nullopt;
-    Candidates candidates;
-    for (const json::Member& language :
-         membersOf(defaults ? defaults->object("languages") : std::nullopt)) {
-        candidates.push_back({std::string(language.key), ""});
-    }
-    return candidates;
-}
-
-Candidates cursor(Application& application) {
-    const auto result = get(application, "/v1/status");
-    const auto status = result ? result->object() : std::nullopt;
-    const auto cursor = status ? status->optionalInteger("logCursor") : std::nullopt;
-    Candidates candidates;
-    if (cursor && *cursor >= 0) {
-        candidates.push_back({std::to_string(*cursor), "now"});
-    }
-    return candidates;
-}
+/// In bytes: larger than any real list, and parsed within a few hundredths of a second.
+constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
 
 /// Describes a row of a collection for a person.
 std::string describeRow(std::string_view kind, const json::Object& row) {
@@ -121,51 +33,6 @@ std::string describeRow(std::string_view kind, const json::Object& row) {
         }
     }
     return description;
-}
-
-/// Makes a candidate of each row of the project's collections, from the member of that name.
-Candidates rows(std::string_view member, const std::optional<AgentCollectionKind>& kind,
-                const std::string& project, Application& application) {
-    const auto result =
-        ask(application, "/v1/collections", AgentCollectionListRequest{project, kind});
-    Candidates candidates;
-    for (const json::Member& rows : membersOf(result ? result->object() : std::nullopt)) {
-        for (const json::Object row : rowsOf(rows.value)) {
-            candidates.push_back({std::string(row.text(member)), describeRow(rows.key, row)});
-        }
-    }
-    return candidates;
-}
-
-std::optional<AgentCollectionKind> kindOf(const TypedLine& line) {
-    const auto kind = given(line, options::kind);
-    return kind ? fromWireName<AgentCollectionKind>(*kind) : std::nullopt;
-}
-
-std::optional<json::Value> settingsSchema(ValueKind kind, const TypedLine& line,
-                                          const CurrentDirectory& currentDirectory,
-                                          Application& application) {
-    const auto language = given(line, options::ofLanguage);
-    if (kind == ValueKind::rowSetting) {
-        return ask(application, "/v1/collections/schema",
-                   AgentCollectionSchemaRequest{kindOf(line)});
-    }
-    if (kind == ValueKind::defaultSetting) {
-        return ask(application, "/v1/defaults/schema", AgentDefaultsSchemaRequest{language});
-    }
-    if (kind == ValueKind::fileSetting) {
-        const auto isFile = [](const std::string& word) {
-            return word.find('=') == std::string::npos;
-        };
-        const auto& words = line.whole()->remaining();
-        const auto file = std::find_if(words.begin(), words.end(), isFile);
-        return file == words.end()
-                   ? std::nullopt
-                   : ask(application, "/v1/files/schema",
-                         AgentFileSchemaRequest{resolvePath(*file, currentDirectory), {}});
-    }
-    return ask(application, "/v1/settings/schema",
-               AgentSettingsSchemaRequest{projectOf(line, currentDirectory), language});
 }
 
 std::string scalarText(const json::Value& value) {
@@ -203,69 +70,231 @@ Candidates valuesOf(const json::Object& row) {
     return candidates;
 }
 
-/// Whether the command can change the setting. Without --language the schema has the settings of
-/// every language, and it always has the settings of rows in collections.
-bool isChangeable(const json::Object& row, ValueKind kind, const TypedLine& line) {
-    if (kind == ValueKind::rowSetting || kind == ValueKind::fileSetting) {
-        return true;
-    }
-    return row.text("language") == given(line, options::ofLanguage).value_or("") &&
-           row.text("group").empty();
+bool hasKey(const std::string& word) {
+    return word.find('=') != std::string::npos;
 }
 
-Candidates settings(ValueKind kind, const TypedLine& line, const CurrentDirectory& currentDirectory,
-                    Application& application) {
-    const auto key = [](const std::string& word) { return word.substr(0, word.find('=')); };
-    const bool hasKey = line.current().find('=') != std::string::npos;
-    const auto& words = line.whole()->remaining();
-    Candidates candidates;
-    for (const json::Object row :
-         rowsOf(settingsSchema(kind, line, currentDirectory, application))) {
-        const std::string name(row.text("name"));
-        if (!isChangeable(row, kind, line) || name.empty()) {
-            continue;
-        }
-        if (hasKey && name == key(line.current())) {
-            return valuesOf(row);
-        }
-        const bool isGiven = std::any_of(
-            words.begin(), words.end(), [&](const std::string& word) { return key(word) == name; });
-        if (!hasKey && !isGiven) {
-            candidates.push_back({name + "=", describeSetting(row)});
+std::string keyOf(const std::string& word) {
+    return word.substr(0, word.find('='));
+}
+
+/// The running application. The answer to a question is valid until the next question.
+class Application {
+public:
+    Application(const TypedLine& line, const CompletionContext& context)
+        : line_(line), context_(context), words_(line.whole()->remaining()) {}
+
+    /// `kind` is one that only the application knows.
+    Candidates values(ValueKind kind) {
+        switch (kind) {
+        case ValueKind::project:
+        case ValueKind::movableProject:
+            return projects(kind == ValueKind::project);
+        case ValueKind::group:
+        case ValueKind::userGroup:
+            return groups(kind == ValueKind::group);
+        case ValueKind::language:
+            return languages();
+        case ValueKind::logCursor:
+            return cursor();
+        case ValueKind::extension:
+            return collectionRows("fileExtension", AgentCollectionKind::userLanguages);
+        case ValueKind::rowId:
+            return collectionRows("id", collectionKind());
+        default:
+            return settings(kind);
         }
     }
-    return candidates;
-}
+
+private:
+    Candidates projects(bool withFrameworks) {
+        Candidates candidates;
+        for (const json::Object row : askForRows("/v1/projects")) {
+            if (withFrameworks || !row.boolean("isFramework")) {
+                candidates.push_back(
+                    {std::string(row.text("path")), std::string(row.text("name"))});
+            }
+        }
+        return candidates;
+    }
+
+    /// Leaves out groups that the application would refuse. The groups Projects and Frameworks are
+    /// its own: nobody can change them, or move a project to Frameworks. A name that two groups
+    /// share could mean either.
+    Candidates groups(bool withProjects) {
+        Candidates candidates;
+        std::map<std::string, int> uses;
+        for (const json::Object row : askForRows("/v1/groups")) {
+            candidates.push_back({std::string(row.text("name")), std::string(row.text("path"))});
+            ++uses[candidates.back().value];
+        }
+        std::erase_if(candidates, [&](const Candidate& group) {
+            return uses[group.value] > 1 || group.value == "Frameworks" ||
+                   (group.value == "Projects" && !withProjects);
+        });
+        return candidates;
+    }
+
+    Candidates languages() {
+        // The defaults name every language without needing a project.
+        const auto defaults = askForObject("/v1/defaults");
+        const auto languages = defaults ? defaults->object("languages") : std::nullopt;
+        if (!languages) {
+            return {};
+        }
+        Candidates candidates;
+        for (const json::Member& language : languages->sortedMembers()) {
+            candidates.push_back({std::string(language.key), ""});
+        }
+        return candidates;
+    }
+
+    Candidates cursor() {
+        const auto status = askForObject("/v1/status");
+        const auto cursor = status ? status->optionalInteger("logCursor") : std::nullopt;
+        return cursor && *cursor >= 0 ? Candidates{{std::to_string(*cursor), "now"}} : Candidates{};
+    }
+
+    Candidates settings(ValueKind kind) {
+        const std::string& typed = line_.current();
+        Candidates candidates;
+        for (const json::Object row : settingsSchema(kind)) {
+            const std::string name(row.text("name"));
+            if (name.empty() || !isChangeable(row, kind)) {
+                continue;
+            }
+            if (hasKey(typed) && name == keyOf(typed)) {
+                return valuesOf(row);
+            }
+            const bool isGiven =
+                std::any_of(words_.begin(), words_.end(),
+                            [&](const std::string& word) { return keyOf(word) == name; });
+            if (!hasKey(typed) && !isGiven) {
+                candidates.push_back({name + "=", describeSetting(row)});
+            }
+        }
+        return candidates;
+    }
+
+    /// The value that was given with an option, as typed.
+    [[nodiscard]] std::optional<std::string> given(const Option& option) const {
+        const std::string* const text = line_.whole()->find(option);
+        return text == nullptr ? std::nullopt : std::optional(*text);
+    }
+
+    [[nodiscard]] std::string resolved(std::string_view path) const {
+        return resolvePath(path, context_.currentDirectory);
+    }
+
+    /// The path of the project that the command would ask about.
+    [[nodiscard]] std::string project() const {
+        if (const auto path = given(options::inProject)) {
+            return resolved(*path);
+        }
+        const auto& operands = line_.before()->command().operands;
+        const bool takesProject =
+            !operands.empty() && operands.front()->value.kind == ValueKind::project;
+        return takesProject && !words_.empty() ? resolved(words_.front())
+                                               : context_.currentDirectory.path();
+    }
+
+    [[nodiscard]] std::optional<AgentCollectionKind> collectionKind() const {
+        const auto kind = given(options::kind);
+        return kind ? fromWireName<AgentCollectionKind>(*kind) : std::nullopt;
+    }
+
+    [[nodiscard]] std::string socketPath() const {
+        const std::string* const socket = line_.globals().socketPath();
+        if (socket == nullptr) {
+            return defaultSocketPath();
+        }
+        // The shell expands a "~" only when it runs the line.
+        return socket->starts_with('~') ? resolved(*socket) : *socket;
+    }
+
+    /// Returns the "result" of the reply; a request with a body is a POST.
+    std::optional<json::Value> ask(std::string_view path, std::string_view body) {
+        document_.reset();
+        try {
+            const Connection connection(socketPath(), context_.deadline);
+            connection.send(requestBytes({body.empty() ? "GET" : "POST", path, body}));
+            body_ = parseReply(connection.receive(maxReplySize)).body;
+        } catch (const AgentSocketClientError&) {
+            return std::nullopt;
+        }
+        document_ = json::Document::parse(body_.view());
+        const auto reply = document_ ? document_->root().object() : std::nullopt;
+        return reply && reply->boolean("ok") ? reply->find("result") : std::nullopt;
+    }
+
+    Rows askForRows(std::string_view path, std::string_view body = "") {
+        const auto result = ask(path, body);
+        return result ? result->objects().value_or(Rows()) : Rows();
+    }
+
+    std::optional<json::Object> askForObject(std::string_view path, std::string_view body = "") {
+        const auto result = ask(path, body);
+        return result ? result->object() : std::nullopt;
+    }
+
+    /// Makes a candidate of each row of the project's collections, from the member of that name.
+    Candidates collectionRows(std::string_view member,
+                              const std::optional<AgentCollectionKind>& kind) {
+        const auto collections =
+            askForObject("/v1/collections", encode(AgentCollectionListRequest{project(), kind}));
+        if (!collections) {
+            return {};
+        }
+        Candidates candidates;
+        for (const json::Member& rows : collections->sortedMembers()) {
+            for (const json::Object row : rows.value.objects().value_or(Rows())) {
+                candidates.push_back({std::string(row.text(member)), describeRow(rows.key, row)});
+            }
+        }
+        return candidates;
+    }
+
+    Rows settingsSchema(ValueKind kind) {
+        const auto language = given(options::ofLanguage);
+        switch (kind) {
+        case ValueKind::rowSetting:
+            return askForRows("/v1/collections/schema",
+                              encode(AgentCollectionSchemaRequest{collectionKind()}));
+        case ValueKind::defaultSetting:
+            return askForRows("/v1/defaults/schema", encode(AgentDefaultsSchemaRequest{language}));
+        case ValueKind::fileSetting: {
+            const auto file = std::find_if_not(words_.begin(), words_.end(), hasKey);
+            return file == words_.end()
+                       ? Rows()
+                       : askForRows("/v1/files/schema",
+                                    encode(AgentFileSchemaRequest{resolved(*file), {}}));
+        }
+        default:
+            return askForRows("/v1/settings/schema",
+                              encode(AgentSettingsSchemaRequest{project(), language}));
+        }
+    }
+
+    /// Whether the command can change the setting. Without --language the schema has the settings
+    /// of every language, and it always has the settings of rows in collections.
+    [[nodiscard]] bool isChangeable(const json::Object& row, ValueKind kind) const {
+        return kind == ValueKind::rowSetting || kind == ValueKind::fileSetting ||
+               (row.text("language") == given(options::ofLanguage).value_or("") &&
+                row.text("group").empty());
+    }
+
+    const TypedLine& line_;
+    const CompletionContext& context_;
+    const std::vector<std::string>& words_;
+    ByteBuffer body_;
+    std::optional<json::Document> document_;
+};
 
 } // namespace
 
 std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
-                                   const CurrentDirectory& currentDirectory,
-                                   Application& application) {
-    switch (kind) {
-    case ValueKind::project:
-    case ValueKind::movableProject:
-        return projects(kind, application);
-    case ValueKind::group:
-    case ValueKind::userGroup:
-        return groups(kind, application);
-    case ValueKind::language:
-        return languages(application);
-    case ValueKind::logCursor:
-        return cursor(application);
-    case ValueKind::extension:
-        return rows("fileExtension", AgentCollectionKind::userLanguages,
-                    projectOf(line, currentDirectory), application);
-    case ValueKind::rowId:
-        return rows("id", kindOf(line), projectOf(line, currentDirectory), application);
-    case ValueKind::setting:
-    case ValueKind::defaultSetting:
-    case ValueKind::fileSetting:
-    case ValueKind::rowSetting:
-        return settings(kind, line, currentDirectory, application);
-    default:
-        return {};
-    }
+                                   const CompletionContext& context) {
+    return Application(line, context).values(kind);
 }
 
 } // namespace fernlow::completion

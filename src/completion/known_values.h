@@ -1,6 +1,5 @@
 #pragma once
 
-#include "completion/application.h"
 #include "completion/completion.h"
 #include "completion/typed_line.h"
 
@@ -8,11 +7,12 @@
 
 namespace fernlow::completion {
 
-/// Asks the application for values of the kind that fit the line being typed. Returns none where
-/// the application does not answer, or for a kind that it does not know. A setting is "key=", or
-/// "key=value" once a key is typed. Throws json::EncodingError and CurrentDirectoryError.
+/// Asks the running application for values of a kind that only it knows (ValueKind::project and the
+/// kinds after it), as they fit the line being typed. The answer is not essential: one that is late
+/// or wrong counts as none, without a message, and the application is never started. A setting is
+/// "key=", or "key=value" once a key is typed. Throws json::EncodingError and
+/// CurrentDirectoryError.
 std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
-                                   const CurrentDirectory& currentDirectory,
-                                   Application& application);
+                                   const CompletionContext& context);
 
 } // namespace fernlow::completion
