@@ -134,10 +134,12 @@ private:
         // The actions of these two cannot be changed, and some systems refuse the request.
         sigdelset(&reset, SIGKILL);
         sigdelset(&reset, SIGSTOP);
-        unsigned flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #ifdef __APPLE__
         // macOS then closes every descriptor that no file action names.
-        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+        constexpr int flags =
+            POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_CLOEXEC_DEFAULT;
+#else
+        constexpr int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #endif
         return ::posix_spawnattr_setsigmask(&attributes_, &blocked) == 0 &&
                ::posix_spawnattr_setsigdefault(&attributes_, &reset) == 0 &&
@@ -258,15 +260,13 @@ void runProgram(const std::string& path, const std::vector<std::string>& argumen
 }
 
 bool prepareSocket(int socket) {
-    if (::fcntl(socket, F_SETFD, FD_CLOEXEC) != 0) {
-        return false;
-    }
+    const bool isCloseOnExec = ::fcntl(socket, F_SETFD, FD_CLOEXEC) == 0;
 #ifdef SO_NOSIGPIPE
     // On macOS this is an option of the socket. On Linux it is a flag of each send.
     const int on = 1;
-    return ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on) == 0;
+    return isCloseOnExec && ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on) == 0;
 #else
-    return true;
+    return isCloseOnExec;
 #endif
 }
 
