@@ -213,6 +213,7 @@ TEST(Completion, QuotesRepliesForBash) {
              {"fernlow sta", "other", ""},
              {"fernlow log > /et", "/et", "/etc/|"},
              {"fernlow log > ~/loc", "~/loc", "~/local/|"},
+             {"fernlow log $(a) > /et", "/et", ""},
              {"fernlow add ~/\"loc", "loc", "local/|"},
              {"fernlow add $x/loc", "$x/loc", ""},
              {"fernlow add ~roo", "~roo", ""},
@@ -279,9 +280,13 @@ TEST(Completion, QuotesRepliesForBash) {
     const ScriptedPeer setting({answer(reply(R"({"ok":true,"result":[{"name":"key"}]})"))});
     EXPECT_EQ(bashCompleted("fernlow --socket " + setting.path() + " defaults set k", "k"),
               "key=|");
-    const ScriptedPeer quote(
-        {answer(reply(R"({"ok":true,"result":[{"name":"it'"},{"name":"'t"}]})"))});
-    EXPECT_EQ(bashCompleted("fernlow --socket " + quote.path() + " move --group '", ""), "");
+    for (const auto& [word, expected] :
+         std::vector<std::pair<std::string, std::string>>{{"'", R"(a'\''b|)"}, {"a'", ""}}) {
+        const ScriptedPeer quote({answer(
+            reply(R"({"ok":true,"result":[{"name":"it'"},{"name":"'t"},{"name":"a'b"}]})"))});
+        EXPECT_EQ(bashCompleted("fernlow --socket " + quote.path() + " move --group " + word, ""),
+                  expected);
+    }
 }
 
 } // namespace fernlow::test

@@ -145,8 +145,8 @@ private:
         }
     }
 
-    /// Skips to the character that ends the substitution. Quotes in it are not looked at: where
-    /// bash expands a line, only the program's own words are offered, which need no quotes.
+    /// Skips to the character that ends the substitution, without a look at quotes in it: where
+    /// bash expands a line, only the program's own words are offered, and they need no quotes.
     void skipSubstitution(char begin) {
         const char end = begin == '(' ? ')' : begin == '{' ? '}' : begin;
         std::size_t depth = 1;
@@ -225,11 +225,12 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
         isUserHome || !kept.ends_with(request.replaced)) {
         return {};
     }
+    const auto words = wordsOf(line, request);
     Completions completions{{}, PathKind::file};
-    if (line.isRedirection()) {
+    if (!line.isRedirection()) {
+        completions = complete(words, line.words().size() - 1, context);
+    } else if (std::all_of(words.begin(), words.end(), isKnown)) {
         addNamesOnDisk(completions, word, context);
-    } else {
-        completions = complete(wordsOf(line, request), line.words().size() - 1, context);
     }
     // bash keeps the beginning of the word, and so the replies must lack it.
     kept.remove_suffix(request.replaced.size());

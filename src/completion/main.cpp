@@ -25,7 +25,7 @@ using namespace fernlow;
 using namespace fernlow::completion;
 
 /// Leaves a shell time to show the candidates within half a second, starting this program included.
-constexpr std::chrono::milliseconds timeout(300);
+constexpr std::chrono::milliseconds timeout(250);
 
 using Lines = std::vector<std::string>;
 
