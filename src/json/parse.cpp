@@ -140,7 +140,6 @@ public:
         if (filter_.keepsAllValues()) {
             builder_.addText(view(last), size);
         } else if (!filter_.isInSkippedContainer()) {
-            filter_.addKeyPart(view(last), size);
             selectMember(view(last), size);
         }
         return true;
@@ -199,7 +198,10 @@ private:
     }
 
     /// Keeps the member whose key ends here if the key is selected, and is the first such key.
-    void selectMember(std::string_view last, std::size_t size) {
+    ///
+    /// Not inlined: nearly all keys are in skipped containers, and inlining makes them slower.
+    [[gnu::noinline]] void selectMember(std::string_view last, std::size_t size) {
+        filter_.addKeyPart(last, size);
         const auto key = filter_.endKey(size);
         const bool keeps = key && builder_.acceptsMember(*key);
         filter_.setKeepsValue(keeps);
