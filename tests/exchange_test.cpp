@@ -189,10 +189,10 @@ TEST(Exchange, LimitsTheWaitWhileTheQueueIsFull) {
 
 #ifdef __linux__
 TEST(Exchange, UsesNoSocketThatCannotBePrepared) {
-    for (const unsigned command : {F_SETFD, F_SETFL}) {
+    for (const int command : {F_SETFD, F_SETFL}) {
         std::thread([command] {
             const ScriptedPeer peer({answerDone()});
-            refuseCall(SYS_fcntl, command);
+            refuseCall(SYS_fcntl, static_cast<unsigned>(command));
             EXPECT_EQ(runAgainst(peer, "status"), notRunning) << command;
         }).join();
     }

@@ -75,8 +75,8 @@ TEST(HostilePeer, IsGivenUpWhenItStalls) {
         {[](Connection& connection) { connection.awaitFirstByte(); }, longPath, writeFailed},
     };
     for (const auto& [script, path, expected] : cases) {
-        ScriptedPeer peer({[&script = script](Connection& connection) {
-            script(connection);
+        ScriptedPeer peer({[&stall = script](Connection& connection) {
+            stall(connection);
             connection.waitUntilGone();
         }});
         // No other command accepts a negative timeout.
