@@ -7,12 +7,11 @@
 
 namespace fernlow::test {
 
-/// The words of a line as a shell would split it: at spaces, with 'single quotes' around words that
-/// hold spaces or nothing.
+/// Splits a line into words at spaces. A word with spaces, or an empty word, is in 'single quotes'.
 std::vector<std::string> splitWords(std::string_view line);
 
-/// What a command line typed in `currentDirectory` comes to, as one line: "GET /path",
-/// "POST /path {body}", "help", "version", or the message of the error that it ends with.
+/// Parses a command line and returns the result as one line: "GET /path", "POST /path {body}",
+/// "help", "version" or the error message.
 std::string outcome(std::string_view line, const std::string& currentDirectory = "/p/src");
 
 /// Returns `text` with each occurrence of `piece` replaced.
@@ -20,7 +19,7 @@ std::string replaceAll(std::string text, std::string_view piece, std::string_vie
 
 using Words = std::set<std::string>;
 
-/// What a regular expression's first group matches, anywhere in a text.
+/// Returns all matches of the first group of a regular expression in a text.
 Words matches(const std::string& text, const char* pattern);
 
 } // namespace fernlow::test

@@ -26,7 +26,7 @@ namespace fernlow::test {
 
 namespace {
 
-/// Files in place of the standard streams.
+/// Temporary files that replace the standard streams.
 struct Streams {
     TemporaryFolder folder;
     int output = open("out");
@@ -42,7 +42,8 @@ struct Streams {
     }
 };
 
-/// Copies what is written to a terminal until its other side is closed, which is an error here.
+/// Copies the text on a pseudo-terminal to a file until its other side is closed, which read()
+/// reports as an error.
 void copyFrom(int terminal, int file) {
     std::array<char, 65536> buffer{};
     for (ssize_t count = 1; count > 0;) {
@@ -59,16 +60,15 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
                   << "\nstderr: " << outcome.standardError;
 }
 
-std::string program(const std::string& place) {
+std::string program(const std::string& name) {
     const char* const prefix = std::getenv("FERNLOW_PREFIX");
-    return prefix != nullptr ? prefix + ("/" + place)
-                             : FERNLOW_BUILT + place.substr(place.find('/'));
+    return prefix != nullptr ? prefix + ("/" + name) : FERNLOW_BUILT + name.substr(name.find('/'));
 }
 
 Outcome runLine(std::string_view line, ExchangeSettings settings) {
     const Streams streams;
     if (std::getenv("FERNLOW_PREFIX") != nullptr) {
-        // Not by every run: threads of these tests run lines side by side.
+        // Only if necessary: setenv() is not safe while other threads run lines.
         if (settings.launchProgram != ExchangeSettings().launchProgram) {
             ::setenv("FERNLOW_OPEN", settings.launchProgram.c_str(), 1);
         }
@@ -91,8 +91,8 @@ Outcome runProgram(const ProgramRun& run) {
     argv.push_back(nullptr);
     const Streams streams;
     int terminal = -1;
-    // Between fork and exec nothing may be allocated: another thread (a scripted peer) may have
-    // held the allocator's lock when the process was forked.
+    // The new process must not allocate memory before exec: another thread, such as a scripted
+    // peer, may have held the allocator's lock during the fork.
     const pid_t process =
         run.inTerminal ? ::forkpty(&terminal, nullptr, nullptr, nullptr) : ::fork();
     if (process == 0) {
@@ -119,8 +119,8 @@ Outcome runProgram(const ProgramRun& run) {
 StandIn::StandIn(const std::string& socketPath) {
     process_ = ::fork();
     if (process_ == 0) {
-        const int nowhere = ::open("/dev/null", O_WRONLY);
-        ::dup2(nowhere, STDOUT_FILENO);
+        const int devNull = ::open("/dev/null", O_WRONLY);
+        ::dup2(devNull, STDOUT_FILENO);
         ::execl(FERNLOW_STAND_IN, FERNLOW_STAND_IN, "--socket", socketPath.c_str(), nullptr);
         ::_exit(127);
     }

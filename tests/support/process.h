@@ -8,7 +8,7 @@
 
 namespace fernlow::test {
 
-/// What a run printed and how it ended.
+/// The output and the exit status of a run.
 struct Outcome {
     std::string standardOutput;
     std::string standardError;
@@ -19,37 +19,37 @@ struct Outcome {
 };
 std::ostream& operator<<(std::ostream& stream, const Outcome& outcome);
 
-/// A program by where it is installed, such as "bin/fernlow": the one that was built with the
-/// tests, or the one in the folder that FERNLOW_PREFIX names in the environment, which is then the
-/// one tested.
-std::string program(const std::string& place);
+/// Returns the path of a program that is installed as `name`, such as "bin/fernlow". The
+/// environment variable FERNLOW_PREFIX names the folder of an installation to test. Without it, the
+/// programs that were built with the tests are tested.
+std::string program(const std::string& name);
 
-/// Calls runAgentCLI() in this process with the words of a line (see splitWords()), as in a
-/// terminal, and with files in place of the standard streams. Where FERNLOW_PREFIX is set, that
-/// program is run instead: its folder is another, its patience its own, and /usr/bin/open has to
-/// run what FERNLOW_OPEN names.
+/// Calls runAgentCLI() in this process with the words of a line (see splitWords()), as if standard
+/// output were a terminal, and with files as the standard streams. If FERNLOW_PREFIX is set, runs
+/// that program instead, with another current directory and its own timeout; /usr/bin/open must
+/// then run the program that FERNLOW_OPEN names.
 Outcome runLine(std::string_view line, ExchangeSettings settings = {});
 
-/// How the built program is run.
+/// A run of the built program.
 struct ProgramRun {
     std::vector<std::string> arguments;
     std::string folder = "/";
-    /// Called in the new process before the program is started, to spoil something. It must not
-    /// allocate.
+    /// Called in the new process before the program starts. Must not allocate memory.
     std::function<void()> prepare{};
-    /// Standard output and standard error are one pseudo-terminal instead of two files; its text
-    /// stands in the outcome's standardOutput.
+    /// Whether standard output and standard error are a pseudo-terminal instead of two files. The
+    /// outcome's standardOutput then contains the text of both.
     bool inTerminal = false;
-    /// Another program instead.
+    /// The program to run.
     std::string program = test::program("bin/fernlow");
 };
 
-/// Runs the built program and waits for it.
+/// Runs a program and waits until it ends.
 Outcome runProgram(const ProgramRun& run);
 
-/// The stand-in application, listening on a socket of its own until this goes.
+/// A running stand-in application, which the destructor ends.
 class StandIn {
 public:
+    /// Throws std::runtime_error if the stand-in does not listen after ten seconds.
     explicit StandIn(const std::string& socketPath);
     StandIn(const StandIn&) = delete;
     StandIn& operator=(const StandIn&) = delete;

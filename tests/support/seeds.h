@@ -4,8 +4,8 @@
 
 namespace fernlow::test {
 
-/// Keeps a test's input as a fuzzer's seed, where FERNLOW_SEEDS names a folder for them: the tables
-/// of cases are the best seeds there are.
+/// Saves the input of a test as a seed for a fuzzer, if the environment variable FERNLOW_SEEDS
+/// names a folder for seeds.
 void keepSeed(std::string_view corpus, std::string_view input);
 
 } // namespace fernlow::test

@@ -82,9 +82,9 @@ Json moveRow(State& state, const Json& body) {
     const auto found = rowOf(rows, body);
     const Json row = *found;
     rows.erase(found);
-    const auto place = std::min(position, static_cast<std::int64_t>(rows.size()));
-    rows.insert(rows.begin() + place, row);
-    return {{"id", body["id"]}, {"position", place}};
+    const auto index = std::min(position, static_cast<std::int64_t>(rows.size()));
+    rows.insert(rows.begin() + index, row);
+    return {{"id", body["id"]}, {"position", index}};
 }
 
 Json setRow(State& state, const Json& body) {

@@ -17,14 +17,14 @@ struct Position {
     int column = 1;
 };
 
-Json issueAt(Position position, char bracket, const std::string& fault) {
+Json issueAt(Position position, char bracket, const std::string& problem) {
     return {{"line", position.line},
             {"column", position.column},
-            {"reason", std::string("This \"") + bracket + "\" " + fault + "."}};
+            {"reason", std::string("This \"") + bracket + "\" " + problem + "."}};
 }
 
-/// Where the text or comment that begins at `start` ends; `start` itself when none begins there. A
-/// quote that isn't closed on its line is an apostrophe.
+/// Returns the end of the string literal or comment that begins at `start`, or `start` if none
+/// begins there. A quote that is not closed on its line is an apostrophe.
 std::size_t endOfQuoted(std::string_view text, std::size_t start) {
     const auto endAfter = [&](std::string_view closing, std::size_t from) {
         const auto end = text.find(closing, from);
@@ -33,7 +33,7 @@ std::size_t endOfQuoted(std::string_view text, std::size_t start) {
     if (text.substr(start, 2) == "/*") {
         return endAfter("*/", start + 2);
     }
-    // Not after a colon: an address in a style sheet has no quotes.
+    // After a colon, two slashes are part of a URL: style sheets contain URLs without quotes.
     if (text.substr(start, 2) == "//" && (start == 0 || text[start - 1] != ':')) {
         return std::min(text.find('\n', start), text.size());
     }
@@ -52,8 +52,9 @@ std::size_t endOfQuoted(std::string_view text, std::size_t start) {
     return start;
 }
 
-/// Brackets that have no partner. Regular expressions are not told apart.
+/// Returns the first brackets without a partner. Does not recognise regular expressions.
 Json bracketIssues(const std::string& text) {
+    constexpr std::size_t maxIssues = 100;
     constexpr std::string_view opening = "{[(";
     constexpr std::string_view closing = "}])";
     Json issues = Json::array();
@@ -69,22 +70,25 @@ Json bracketIssues(const std::string& text) {
         } else if (kind != std::string::npos && !open.empty() &&
                    open.back().first == opening[kind]) {
             open.pop_back();
-        } else if (kind != std::string::npos) {
+        } else if (kind != std::string::npos && issues.size() < maxIssues) {
             issues.push_back(issueAt(position, character, "closes nothing"));
         }
         if (character == '\n') {
             position = {position.line + 1, 1};
         } else if ((static_cast<unsigned char>(character) & 0xC0) != 0x80) {
-            // Columns count characters, so the bytes that continue one in UTF-8 don't.
+            // Columns count characters, not the continuation bytes of UTF-8.
             ++position.column;
         }
     }
+    open.resize(std::min(open.size(), maxIssues));
     for (const auto& [character, where] : open) {
         issues.push_back(issueAt(where, character, "is never closed"));
     }
     std::sort(issues.begin(), issues.end(), [](const Json& one, const Json& other) {
         return std::tie(one["line"], one["column"]) < std::tie(other["line"], other["column"]);
     });
+    issues.erase(issues.begin() + std::min(std::ssize(issues), std::ptrdiff_t{maxIssues}),
+                 issues.end());
     return issues;
 }
 
@@ -97,7 +101,7 @@ Json entryFor(const Project& project, const fs::path& file, const char* severity
             {"projectPath", project.folder.string()}};
 }
 
-/// The file, then what it imports, and what that does.
+/// Returns the file and all files that it imports directly or indirectly.
 std::vector<fs::path> withImports(const fs::path& source) {
     std::vector<fs::path> files{source};
     for (std::size_t index = 0; index < files.size(); ++index) {
@@ -110,9 +114,10 @@ std::vector<fs::path> withImports(const fs::path& source) {
     return files;
 }
 
-/// Logs the faults of `source`, some of which lie in other `files`; whether there were none.
-bool reportFaults(State& state, const Project& project, const fs::path& source,
-                  const std::vector<fs::path>& files) {
+/// Checks the brackets of `files` and logs any issues as an error of `source`. Returns whether
+/// there were none.
+bool checkBrackets(State& state, const Project& project, const fs::path& source,
+                   const std::vector<fs::path>& files) {
     Json reports = Json::array();
     for (const fs::path& file : files) {
         if (const Json issues = bracketIssues(textOf(file)); !issues.empty()) {
@@ -145,7 +150,7 @@ void compile(State& state, const Project& project, const fs::path& source) {
     requireInside(project.folder, source);
     if (!languageOf(source).empty()) {
         reportMissingImports(state, project, source);
-        if (!reportFaults(state, project, source, withImports(source))) {
+        if (!checkBrackets(state, project, source, withImports(source))) {
             return;
         }
     }
@@ -189,7 +194,7 @@ std::vector<fs::path> filesWithOutput(const Project& project) {
 
 void checkSyntax(State& state, const Project& project, const fs::path& source) {
     requireInside(project.folder, source);
-    if (reportFaults(state, project, source, {source})) {
+    if (checkBrackets(state, project, source, {source})) {
         state.record(entryFor(project, source, "success", "Checked"));
     }
 }

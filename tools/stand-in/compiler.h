@@ -4,19 +4,19 @@
 
 namespace fernlow::standin {
 
-/// Compiles one source the way the stand-in understands it: its braces must balance, and then it
-/// is copied to where its output goes. What happened is written to the log.
+/// Compiles a source: checks that the brackets in it and in its imports balance, then copies it to
+/// its output path. Logs the result. Throws std::runtime_error if copying fails.
 void compile(State& state, const Project& project, const fs::path& source);
-/// The files to compile when these were saved: themselves and whatever imports them, however
-/// indirectly, without those that have no output of their own.
+/// Returns the files to compile after `saved` were saved: these files and all files that import
+/// them directly or indirectly, except files without output.
 std::vector<fs::path> affectedBy(const Project& project, const std::vector<fs::path>& saved);
-/// Every file that has output.
+/// Returns all files that have output.
 std::vector<fs::path> filesWithOutput(const Project& project);
-/// Looks for faults in one source and logs them, without writing anything.
+/// Checks the brackets of a source, without its imports, and logs the result.
 void checkSyntax(State& state, const Project& project, const fs::path& source);
 
-/// What the log holds after `since` as a work report; only about the project in that folder, unless
-/// it is empty.
+/// Returns a work report from the log entries after the cursor `since`. Includes only entries about
+/// the project in the folder `project`, unless that is empty.
 Json workReport(const State& state, std::uint64_t since, const fs::path& project);
 
 } // namespace fernlow::standin

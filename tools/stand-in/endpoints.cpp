@@ -9,14 +9,14 @@ namespace fernlow::standin {
 
 namespace {
 
-/// What a member of a request may hold; of some the texts are fixed.
+/// A member of a request: its name, its type and, for some texts, the permitted values.
 struct Member {
     std::string name;
     std::string type;
     std::vector<std::string> values{};
 };
 
-/// A name means the same in every request that has it.
+/// Returns all members. A member has the same type and values in every request.
 const std::vector<Member>& members() {
     static const std::vector<std::string> lists = {"production", "development", "optional",
                                                    "bundle"};
@@ -67,7 +67,7 @@ const std::vector<Member>& members() {
     return all;
 }
 
-bool fits(const Json& value, const Member& member) {
+bool isValid(const Json& value, const Member& member) {
     const auto isText = [&](const Json& text) {
         return text.is_string() && (member.values.empty() ||
                                     std::ranges::count(member.values, text.get<std::string>()) > 0);
@@ -83,9 +83,9 @@ bool fits(const Json& value, const Member& member) {
                                       : value.is_object();
 }
 
-/// The members that an endpoint's row names, each with whether it may be left out.
+/// Returns the members of an endpoint's requests, each with whether it is optional.
 std::vector<std::pair<Member, bool>> membersOf(const Endpoint& endpoint) {
-    std::vector<std::pair<Member, bool>> named;
+    std::vector<std::pair<Member, bool>> result;
     std::istringstream words(endpoint.members);
     for (std::string name; words >> name;) {
         const bool isOptional = name.ends_with('?');
@@ -94,9 +94,9 @@ std::vector<std::pair<Member, bool>> membersOf(const Endpoint& endpoint) {
         if (member == members().end()) {
             throw std::logic_error("no member is called " + name);
         }
-        named.emplace_back(*member, isOptional);
+        result.emplace_back(*member, isOptional);
     }
-    return named;
+    return result;
 }
 
 const Endpoints& endpoints();
@@ -165,7 +165,7 @@ void requireMembers(const Json& body, const Endpoint& endpoint) {
         if (value == body.end()) {
             throw Refusal("The member \"" + member.name + "\" is missing.", 400);
         }
-        if (!fits(*value, member)) {
+        if (!isValid(*value, member)) {
             throw Refusal("The member \"" + member.name + "\" has a wrong value.", 400);
         }
         ++found;
@@ -200,18 +200,18 @@ Json readBody(const Request& request) {
     return body;
 }
 
-Answer resultOf(State& state, const Request& request) {
+PendingResult resultOf(State& state, const Request& request) {
     const Endpoint& endpoint = endpointFor(request);
     const Json body = readBody(request);
     requireMembers(body, endpoint);
-    if (const auto* later = std::get_if<1>(&endpoint.answer)) {
-        return (*later)(state, body);
+    if (const auto* pending = std::get_if<1>(&endpoint.answer)) {
+        return (*pending)(state, body);
     }
     return [result = std::get<0>(endpoint.answer)(state, body)] { return result; };
 }
 
 Reply replyWith(unsigned httpStatus, const Json& document) {
-    // Names of files need not be UTF-8, and must not keep the rest from being told.
+    // File names need not be UTF-8; ill-formed ones must not make the whole reply fail.
     return {httpStatus, document.dump(-1, ' ', false, Json::error_handler_t::replace)};
 }
 

@@ -8,21 +8,23 @@
 
 namespace fernlow::standin {
 
-/// A result that comes later: asked for again and again, it is none until then.
-using Answer = std::function<std::optional<Json>()>;
+/// Returns the "result" of a reply, or nothing while work is still going on. It is called
+/// repeatedly.
+using PendingResult = std::function<std::optional<Json>()>;
 
-/// One row of the protocol. `members` names what a request has, and with a "?" what it may have;
-/// `answer` gets a request so checked, and gives the reply's "result" or throws a Refusal.
+/// An endpoint of the protocol. `members` lists the members of a request; a "?" marks an optional
+/// member. `answer` is called with a validated request. It returns the reply's "result", at once or
+/// later, or throws a Refusal.
 struct Endpoint {
     std::string method;
     std::string path;
     std::string summary;
     std::string members;
-    std::variant<Json (*)(State&, const Json&), Answer (*)(State&, const Json&)> answer;
+    std::variant<Json (*)(State&, const Json&), PendingResult (*)(State&, const Json&)> answer;
 };
 using Endpoints = std::vector<Endpoint>;
 
-/// The families of endpoints, each in the file of its name.
+/// The families of endpoints. Each is in the file of the same name.
 const Endpoints& collectionEndpoints();
 const Endpoints& fileEndpoints();
 const Endpoints& projectEndpoints();
@@ -30,7 +32,7 @@ const Endpoints& settingsEndpoints();
 const Endpoints& statusEndpoints();
 const Endpoints& workEndpoints();
 
-/// Answers one request. Whatever is wrong with it becomes a refusal; nothing is thrown.
+/// Answers a request. Does not throw: errors become replies.
 PendingReply answer(State& state, const Request& request);
 
 } // namespace fernlow::standin

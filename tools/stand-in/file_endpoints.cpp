@@ -16,7 +16,7 @@ fs::path existingFile(const Json& body) {
     return file;
 }
 
-/// What is imported from outside the project, each file once.
+/// Returns the files outside the project that its files import.
 std::set<fs::path> shadowItems(const Project& project) {
     std::set<fs::path> outside;
     for (const fs::path& file : indexedPaths(project)) {

@@ -13,16 +13,16 @@ namespace fernlow::standin {
 struct Exchange {
     MHD_Connection* connection = nullptr;
     Request request;
-    PendingReply ask;
+    PendingReply pendingReply;
     std::optional<Reply> reply;
 };
 
 namespace {
 
-constexpr std::size_t largestBody = 64U << 20;
+constexpr std::size_t maxBody = 64U << 20;
 
 MHD_Result send(MHD_Connection* connection, const Reply& reply) {
-    // The library's parameter is not const, but with MUST_COPY it only reads.
+    // The parameter is not const, but with MHD_RESPMEM_MUST_COPY the library only reads the body.
     MHD_Response* response = MHD_create_response_from_buffer(
         reply.body.size(), const_cast<char*>(reply.body.data()), MHD_RESPMEM_MUST_COPY);
     if (response == nullptr) {
@@ -35,32 +35,31 @@ MHD_Result send(MHD_Connection* connection, const Reply& reply) {
     return queued;
 }
 
-/// Called once when the head is read, once for each piece of the body, once at its end and once
-/// more when the connection is resumed; what is known so far travels in `context`.
+/// The HTTP library's callback. It is called after the head, for each piece of the body, at the end
+/// of the body, and again after a suspended connection is resumed. `context` holds the Exchange.
 MHD_Result onRequest(void* server, MHD_Connection* connection, const char* path, const char* method,
                      const char* /*unused*/, const char* piece, std::size_t* pieceSize,
                      void** context) {
-    HttpServer& answering = *static_cast<HttpServer*>(server);
+    const auto handle = [&](Exchange& exchange) {
+        const bool isReady = static_cast<HttpServer*>(server)->handle(exchange);
+        return isReady ? send(connection, *exchange.reply) : MHD_YES;
+    };
     if (*context == nullptr) {
-        auto exchange = std::make_unique<Exchange>();
-        exchange->connection = connection;
-        exchange->request = {method, path, "", false};
+        Exchange& exchange = *new Exchange{connection, {method, path, "", false}, {}, {}};
+        *context = &exchange;
         const char* length =
             MHD_lookup_connection_value(connection, MHD_HEADER_KIND, "Content-Length");
-        exchange->request.isTooLarge =
-            length != nullptr && std::strtoull(length, nullptr, 10) > largestBody;
-        *context = exchange.release();
-        Exchange& begun = *static_cast<Exchange*>(*context);
-        return begun.request.isTooLarge && answering.answer(begun) ? send(connection, *begun.reply)
-                                                                   : MHD_YES;
+        exchange.request.isTooLarge =
+            length != nullptr && std::strtoull(length, nullptr, 10) > maxBody;
+        return exchange.request.isTooLarge ? handle(exchange) : MHD_YES;
     }
     Exchange& exchange = *static_cast<Exchange*>(*context);
-    Request& request = exchange.request;
     if (*pieceSize == 0) {
-        return answering.answer(exchange) ? send(connection, *exchange.reply) : MHD_YES;
+        return handle(exchange);
     }
-    // An answer can't be given in the middle of a body, so the rest of it is read and dropped.
-    if (request.body.size() + *pieceSize > largestBody) {
+    Request& request = exchange.request;
+    // The library accepts no reply before the end of the body, so the rest is read and discarded.
+    if (request.body.size() + *pieceSize > maxBody) {
         request.isTooLarge = true;
     }
     if (!request.isTooLarge) {
@@ -76,53 +75,56 @@ void onCompleted(void* /*unused*/, MHD_Connection* /*unused*/, void** context,
     *context = nullptr;
 }
 
-/// As many connections as there can be descriptors for, within reason.
+/// Returns the number of connections for which there are enough descriptors, at most 4096. Raises
+/// the process's limit if necessary.
 unsigned connectionLimit() {
-    constexpr rlim_t wanted = 4096;
-    constexpr rlim_t forFiles = 64;
+    constexpr rlim_t maxConnections = 4096;
+    constexpr rlim_t reserved = 64;
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
-    limit.rlim_cur = std::max(limit.rlim_cur, std::min(wanted + forFiles, limit.rlim_max));
+    limit.rlim_cur = std::max(limit.rlim_cur, std::min(maxConnections + reserved, limit.rlim_max));
     setrlimit(RLIMIT_NOFILE, &limit);
     getrlimit(RLIMIT_NOFILE, &limit);
     return static_cast<unsigned>(
-        std::min(wanted, std::max(limit.rlim_cur, 2 * forFiles) - forFiles));
+        std::min(maxConnections, std::max(limit.rlim_cur, 2 * reserved) - reserved));
 }
 
 } // namespace
 
 HttpServer::HttpServer(int listeningDescriptor, Handler handler) : handler_(std::move(handler)) {
-    // A client sends its request at once; whatever holds a connection longer is none.
-    constexpr unsigned secondsForARequest = 5;
+    constexpr unsigned requestTimeoutSeconds = 5;
+    // Copying and printing a request of maximum depth needs more stack than threads have on macOS.
+    constexpr std::size_t stackSize = 8U << 20;
     daemon_ = MHD_start_daemon(
         MHD_USE_AUTO | MHD_USE_INTERNAL_POLLING_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr,
         nullptr, &onRequest, this, MHD_OPTION_LISTEN_SOCKET, listeningDescriptor,
         MHD_OPTION_NOTIFY_COMPLETED, &onCompleted, nullptr, MHD_OPTION_CONNECTION_TIMEOUT,
-        secondsForARequest, MHD_OPTION_CONNECTION_LIMIT, connectionLimit(), MHD_OPTION_END);
+        requestTimeoutSeconds, MHD_OPTION_CONNECTION_LIMIT, connectionLimit(),
+        MHD_OPTION_THREAD_STACK_SIZE, stackSize, MHD_OPTION_END);
     if (daemon_ == nullptr) {
         throw std::runtime_error("The HTTP server could not be started.");
     }
 }
 
 HttpServer::~HttpServer() {
-    // The library may not be stopped while connections are suspended.
-    const PendingReply leaving = [] { return Reply{503, "{}"}; };
+    // The library must not be stopped while connections are suspended.
+    const PendingReply unavailable = [] { return Reply{503, "{}"}; };
     {
         const std::scoped_lock lock(mutex_);
-        handler_ = [&](const Request& /*unused*/) { return leaving; };
+        handler_ = [&](const Request& /*unused*/) { return unavailable; };
         for (Exchange* exchange : waiting_) {
-            exchange->ask = leaving;
+            exchange->pendingReply = unavailable;
         }
     }
     advance([] {});
     MHD_stop_daemon(daemon_);
 }
 
-bool HttpServer::answer(Exchange& exchange) {
+bool HttpServer::handle(Exchange& exchange) {
     const std::scoped_lock lock(mutex_);
-    if (!exchange.ask) {
-        exchange.ask = handler_(exchange.request);
-        exchange.reply = exchange.ask();
+    if (!exchange.pendingReply) {
+        exchange.pendingReply = handler_(exchange.request);
+        exchange.reply = exchange.pendingReply();
     }
     if (!exchange.reply) {
         waiting_.push_back(&exchange);
@@ -135,7 +137,7 @@ void HttpServer::advance(const std::function<void()>& work) {
     const std::scoped_lock lock(mutex_);
     work();
     std::erase_if(waiting_, [](Exchange* exchange) {
-        exchange->reply = exchange->ask();
+        exchange->reply = exchange->pendingReply();
         if (exchange->reply) {
             MHD_resume_connection(exchange->connection);
         }

@@ -10,7 +10,7 @@ struct MHD_Daemon;
 
 namespace fernlow::standin {
 
-/// One request, read completely.
+/// A complete request.
 struct Request {
     std::string method;
     std::string path;
@@ -18,37 +18,39 @@ struct Request {
     bool isTooLarge = false;
 };
 
-/// One answer: an HTTP status and a JSON document.
+/// An HTTP status and a JSON document.
 struct Reply {
     unsigned status;
     std::string body;
 };
 
-/// Gives the answer once there is one; asked again and again until then.
+/// Returns the reply, or nothing while work is still going on. It is called repeatedly.
 using PendingReply = std::function<std::optional<Reply>()>;
 
-/// A request on its way to an answer; what it holds is the server's own affair.
+/// A request that is being served. Private to the server.
 struct Exchange;
 
-/// Serves HTTP/1.1 on a listening descriptor, one request a connection, until destroyed. A request
-/// whose answer is pending holds up no other, and a connection that says nothing is soon dropped.
+/// Serves HTTP/1.1 on a listening descriptor until it is destroyed, with one request for each
+/// connection. A pending reply delays no other reply. A connection that sends no complete request
+/// within a few seconds is closed.
 class HttpServer {
 public:
     using Handler = std::function<PendingReply(const Request&)>;
 
-    /// Starts serving and takes over `listeningDescriptor`. `handler` is called for one request at
-    /// a time, on the server's own thread, and must not throw. Throws std::runtime_error when the
+    /// Starts serving and takes ownership of `listeningDescriptor`. Calls `handler`, which must not
+    /// throw, on a separate thread for one request at a time. Throws std::runtime_error if the
     /// server cannot start.
     HttpServer(int listeningDescriptor, Handler handler);
-    /// Stops accepting, drops open connections and closes the descriptor.
+    /// Answers the pending requests with status 503, closes all connections and the descriptor.
     ~HttpServer();
-    /// Does `work` while nothing is being answered, then sends the answers that are there now.
+    /// Calls `work` while no request is being handled, then sends the replies that are ready.
     void advance(const std::function<void()>& work);
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;
 
-    /// The library's calls: a request is complete; a connection is done with.
-    bool answer(Exchange& exchange);
+    /// For the HTTP library's callback: handles a complete request. Returns false, and suspends the
+    /// connection, if the reply is pending.
+    bool handle(Exchange& exchange);
 
 private:
     Handler handler_;

@@ -1,5 +1,5 @@
-// fernlow-stand-in: answers the desktop application's protocol on a socket of one's choice, so
-// that the command-line client can be tried and tested where the application does not run.
+// fernlow-stand-in: serves the desktop application's protocol on any socket, so that the
+// command-line client can be tried and tested where the application does not run.
 #include "endpoints.h"
 #include "http_server.h"
 #include "state.h"
@@ -30,17 +30,17 @@ constexpr const char* usage =
     "about; run hooks and build steps; export; remember anything once it stops. It knows a few\n"
     "settings of each kind, and no groups, rows or extensions of settings.\n";
 
-volatile std::sig_atomic_t isStopped = 0;
+volatile std::sig_atomic_t isStopRequested = 0;
 
 void stop(int /*unused*/) {
-    isStopped = 1;
+    isStopRequested = 1;
 }
 
 void serveUntilStopped(const char* socketPath, int workTime) {
     using namespace fernlow::standin;
     (void)std::signal(SIGINT, stop);
     (void)std::signal(SIGTERM, stop);
-    // A client that hangs up early must cost its own reply, not the program.
+    // If a client disconnects early, writing to it must not end the program.
     (void)std::signal(SIGPIPE, SIG_IGN);
 
     State state;
@@ -50,10 +50,10 @@ void serveUntilStopped(const char* socketPath, int workTime) {
                       [&](const Request& request) { return answer(state, request); });
     std::printf("listening on %s\n", socketPath);
     (void)std::fflush(stdout);
-    const timespec aMoment{0, 5'000'000};
-    while (isStopped == 0) {
+    const timespec pollInterval{0, 5'000'000};
+    while (isStopRequested == 0) {
         server.advance([&] { state.advance(); });
-        nanosleep(&aMoment, nullptr);
+        nanosleep(&pollInterval, nullptr);
     }
 }
 
@@ -66,8 +66,8 @@ int main(int argc, char** argv) {
     }
     const char* socketPath = nullptr;
     int workTime = 10;
-    bool isUnderstood = argc % 2 == 1;
-    for (int index = 1; isUnderstood && index < argc; index += 2) {
+    bool isValid = argc % 2 == 1;
+    for (int index = 1; isValid && index < argc; index += 2) {
         const std::string_view option = argv[index];
         const char* value = argv[index + 1];
         const char* end = value + std::strlen(value);
@@ -75,11 +75,11 @@ int main(int argc, char** argv) {
             socketPath = value;
         } else {
             const auto read = std::from_chars(value, end, workTime);
-            isUnderstood = option == "--work-time" && read.ptr == end && read.ec == std::errc() &&
-                           workTime >= 0;
+            isValid = option == "--work-time" && read.ptr == end && read.ec == std::errc() &&
+                      workTime >= 0;
         }
     }
-    if (!isUnderstood || socketPath == nullptr) {
+    if (!isValid || socketPath == nullptr) {
         (void)std::fputs(usage, stderr);
         return 2;
     }

@@ -70,15 +70,15 @@ Json renameProject(State& state, const Json& body) {
     return projectRow(project);
 }
 
-void requireKnownGroup(const State& state, const std::string& name) {
+void requireKneditableGroup(const State& state, const std::string& name) {
     if (std::ranges::find(state.groups, name) == state.groups.end()) {
         throw Refusal("There is no group \"" + name + "\".");
     }
 }
 
-/// The group of that name, if it is one that a person made.
-std::string& ownGroup(State& state, const std::string& name) {
-    requireKnownGroup(state, name);
+/// Returns the group. Throws Refusal if there is none or if it is permanent.
+std::string& editableGroup(State& state, const std::string& name) {
+    requireKneditableGroup(state, name);
     if (name == permanentGroup || name == frameworkGroup) {
         throw Refusal("The group \"" + name + "\" is Fernlow's own and can't be changed.");
     }
@@ -98,7 +98,7 @@ std::string unusedGroupName(const State& state, const std::string& name) {
 Json moveProject(State& state, const Json& body) {
     Project& project = state.projectAt(body["path"]);
     const std::string group = body.value("group", std::string(permanentGroup));
-    requireKnownGroup(state, group);
+    requireKneditableGroup(state, group);
     if (project.isFramework) {
         throw Refusal("A framework can't be moved.");
     }
@@ -116,7 +116,7 @@ Json addGroup(State& state, const Json& body) {
 
 Json renameGroup(State& state, const Json& body) {
     const auto name = body["name"].get<std::string>();
-    std::string& group = ownGroup(state, name);
+    std::string& group = editableGroup(state, name);
     group = unusedGroupName(state, body["newName"]);
     for (Project& project : state.projects) {
         if (project.group == name) {
@@ -127,7 +127,7 @@ Json renameGroup(State& state, const Json& body) {
 }
 
 Json removeGroup(State& state, const Json& body) {
-    const std::string name = ownGroup(state, body["name"]);
+    const std::string name = editableGroup(state, body["name"]);
     std::erase(state.groups, name);
     for (Project& project : state.projects) {
         if (project.group == name) {

@@ -30,7 +30,7 @@ const FileKind* kindOf(const fs::path& file) {
     return found == kinds.end() ? nullptr : &*found;
 }
 
-std::string chosen(const Project& project, const fs::path& file, const char* member) {
+std::string choiceFor(const Project& project, const fs::path& file, const char* member) {
     const auto choice = project.fileChoices.find(file);
     return choice == project.fileChoices.end() ? "" : choice->second.value(member, "");
 }
@@ -131,7 +131,7 @@ std::vector<Import> importsOf(const fs::path& file) {
 }
 
 std::string outputActionOf(const Project& project, const fs::path& file) {
-    if (auto action = chosen(project, file, "outputAction"); !action.empty()) {
+    if (auto action = choiceFor(project, file, "outputAction"); !action.empty()) {
         return action;
     }
     if (isPartial(file) || !isWithin(file, sourceFolder(project))) {
@@ -153,10 +153,10 @@ std::optional<fs::path> outputPathOf(const Project& project, const fs::path& fil
     }
     const fs::path inner = file.parent_path().lexically_relative(sourceFolder(project));
     folder = (folder / inner).lexically_normal();
-    if (const auto choice = chosen(project, file, "outputFolder"); !choice.empty()) {
+    if (const auto choice = choiceFor(project, file, "outputFolder"); !choice.empty()) {
         folder = choice;
     }
-    if (const auto choice = chosen(project, file, "outputFilename"); !choice.empty()) {
+    if (const auto choice = choiceFor(project, file, "outputFilename"); !choice.empty()) {
         name = choice;
     }
     return (folder / name).lexically_normal();
@@ -167,8 +167,8 @@ Json fileRow(const Project& project, const fs::path& file) {
                 {"relativePath", file.lexically_relative(project.folder).string()},
                 {"language", languageOf(file)},
                 {"outputAction", outputActionOf(project, file)},
-                {"outputActionIsChosen", !chosen(project, file, "outputAction").empty()},
-                {"outputPathIsChosen", !chosen(project, file, "outputFolder").empty()},
+                {"outputActionIsChosen", !choiceFor(project, file, "outputAction").empty()},
+                {"outputPathIsChosen", !choiceFor(project, file, "outputFolder").empty()},
                 {"isShadowItem", !isWithin(file, project.folder)},
                 {"isFolder", fs::is_directory(file)},
                 {"exists", fs::exists(file)}};

@@ -6,36 +6,38 @@
 
 namespace fernlow::standin {
 
-/// The folder a project's sources are in.
+/// Returns the folder with a project's sources.
 fs::path sourceFolder(const Project& project);
-/// The folder a project's output goes to: its build folder, or its source folder without one.
+/// Returns the folder for a project's output: its build folder or, if that is inactive, its source
+/// folder.
 fs::path outputRoot(const Project& project);
 
-/// Brings the skipped folders in line with the setting that lists them.
+/// Updates the skipped folders from the setting that lists them.
 void readSkippedFolders(Project& project);
 
-/// The language a file's extension tells; empty for a file that is not compiled.
+/// Returns the language of a file according to its extension, or an empty text if the file is not
+/// compiled.
 std::string languageOf(const fs::path& file);
-/// Whether a file is only there to be imported by others.
+/// Returns whether a file has no output and only serves to be imported.
 bool isPartial(const fs::path& file);
 
-/// Every file of a project, and with `includeFolders` every folder, in order of path. Leaves out
-/// the build folder, skipped folders and whatever begins with a dot.
+/// Returns the files of a project, and its folders if `includeFolders`, sorted by path. Omits the
+/// build folder, skipped folders and names that begin with a dot.
 std::vector<fs::path> indexedPaths(const Project& project, bool includeFolders = false);
 
-/// An import statement: the name it gives and the file that name leads to, if there is one.
+/// An import statement: the imported name and the file with this name, if there is one.
 struct Import {
     std::string name;
     std::optional<fs::path> file;
 };
-/// The lines of the form @import "name" in a file, in order.
+/// Returns the statements of the form @import "name" in a file, in their order.
 std::vector<Import> importsOf(const fs::path& file);
 
-/// What becomes of a file: "compile", "ignore" or "copy".
+/// Returns how a file is processed: "compile", "ignore" or "copy".
 std::string outputActionOf(const Project& project, const fs::path& file);
-/// Where a file's output goes; none when it has no output.
+/// Returns the path of a file's output, if it has output.
 std::optional<fs::path> outputPathOf(const Project& project, const fs::path& file);
-/// A file as the listing shows it.
+/// Returns a file's row in a listing.
 Json fileRow(const Project& project, const fs::path& file);
 
 } // namespace fernlow::standin

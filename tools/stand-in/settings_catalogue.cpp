@@ -8,17 +8,17 @@ namespace fernlow::standin {
 namespace {
 
 constexpr const char* everyLanguage = "*";
-constexpr const char* atOnce = "immediate";
-constexpr const char* toFiles = "copiedToFiles";
-constexpr const char* toNewFiles = "newFilesOnly";
+constexpr const char* immediate = "immediate";
+constexpr const char* copiedToFiles = "copiedToFiles";
+constexpr const char* newFilesOnly = "newFilesOnly";
 
-/// One setting; the type of its default is the type of its values.
+/// A setting. Its values have the type of its default value.
 struct Setting {
     std::string name;
     Json defaultValue;
-    /// {"minimum", "maximum"} or {"choices"}, in the schema's words; empty when any value will do.
+    /// {"minimum", "maximum"} or {"choices"} as in the schema; empty if any value is valid.
     Json limits = Json::object();
-    std::string propagation = atOnce;
+    std::string propagation = immediate;
     std::string language{};
     std::string collection{};
 };
@@ -37,27 +37,27 @@ const std::vector<Setting>& catalogue() {
         {"skippedFoldersString", ""},
         {"imageQuality", 0.8, fraction},
         {"browserTargets", Json::array({"defaults"})},
-        {"minifies", false, anyValue, toFiles, everyLanguage},
-        {"outputFolderName", "", anyValue, toNewFiles, everyLanguage},
-        {"outputStyle", "expanded", oneOf({"expanded", "compressed"}), toFiles, "Sass"},
-        {"usesAutoprefixer", true, anyValue, toFiles, "Sass"},
-        {"usesAutoprefixer", true, anyValue, toFiles, "Less"},
-        {"bundleFormat", 4, oneOf({0, 1, 2, 3, 4}), toFiles, "Typescript"},
-        {"moduleResolutionType", 5, oneOf({0, 1, 2, 3, 4, 5}), toFiles, "Typescript"},
-        {"tsConfigFileHandlingType", 0, oneOf({0, 1}), toFiles, "Typescript"},
-        {"tsNoImplicitAny", true, anyValue, toFiles, "Typescript"},
-        {"tsTypesString", "*", anyValue, toFiles, "Typescript"},
-        {"name", "Untitled", anyValue, atOnce, "", "hooks"},
-        {"script", "", anyValue, atOnce, "", "hooks"},
-        {"matchExtensions", Json::array(), anyValue, atOnce, "", "hooks"},
-        {"pathContains", Json::array(), anyValue, atOnce, "", "hooks"},
-        {"pathDoesNotContain", Json::array(), anyValue, atOnce, "", "hooks"},
-        {"name", "Untitled", anyValue, atOnce, "", "buildSteps"},
-        {"script", "", anyValue, atOnce, "", "buildSteps"},
-        {"name", "Untitled", anyValue, atOnce, "", "webpPresets"},
-        {"quality", 0.75, fraction, atOnce, "", "webpPresets"},
-        {"name", "Untitled", anyValue, atOnce, "", "userLanguages"},
-        {"outputExtension", "", anyValue, atOnce, "", "userLanguages"},
+        {"minifies", false, anyValue, copiedToFiles, everyLanguage},
+        {"outputFolderName", "", anyValue, newFilesOnly, everyLanguage},
+        {"outputStyle", "expanded", oneOf({"expanded", "compressed"}), copiedToFiles, "Sass"},
+        {"usesAutoprefixer", true, anyValue, copiedToFiles, "Sass"},
+        {"usesAutoprefixer", true, anyValue, copiedToFiles, "Less"},
+        {"bundleFormat", 4, oneOf({0, 1, 2, 3, 4}), copiedToFiles, "Typescript"},
+        {"moduleResolutionType", 5, oneOf({0, 1, 2, 3, 4, 5}), copiedToFiles, "Typescript"},
+        {"tsConfigFileHandlingType", 0, oneOf({0, 1}), copiedToFiles, "Typescript"},
+        {"tsNoImplicitAny", true, anyValue, copiedToFiles, "Typescript"},
+        {"tsTypesString", "*", anyValue, copiedToFiles, "Typescript"},
+        {"name", "Untitled", anyValue, immediate, "", "hooks"},
+        {"script", "", anyValue, immediate, "", "hooks"},
+        {"matchExtensions", Json::array(), anyValue, immediate, "", "hooks"},
+        {"pathContains", Json::array(), anyValue, immediate, "", "hooks"},
+        {"pathDoesNotContain", Json::array(), anyValue, immediate, "", "hooks"},
+        {"name", "Untitled", anyValue, immediate, "", "buildSteps"},
+        {"script", "", anyValue, immediate, "", "buildSteps"},
+        {"name", "Untitled", anyValue, immediate, "", "webpPresets"},
+        {"quality", 0.75, fraction, immediate, "", "webpPresets"},
+        {"name", "Untitled", anyValue, immediate, "", "userLanguages"},
+        {"outputExtension", "", anyValue, immediate, "", "userLanguages"},
     };
     return settings;
 }
@@ -75,7 +75,7 @@ std::string typeName(const Json& value) {
     return value.is_array() ? "list" : "text";
 }
 
-bool belongsTo(const Setting& setting, const Scope& scope) {
+bool isInScope(const Setting& setting, const Scope& scope) {
     return setting.collection == scope.collection &&
            (setting.language == scope.language ||
             (setting.language == everyLanguage && !scope.language.empty()));
@@ -84,7 +84,7 @@ bool belongsTo(const Setting& setting, const Scope& scope) {
 Json defaultsOf(const Scope& scope) {
     Json values = Json::object();
     for (const Setting& setting : catalogue()) {
-        if (belongsTo(setting, scope)) {
+        if (isInScope(setting, scope)) {
             values[setting.name] = setting.defaultValue;
         }
     }
@@ -93,7 +93,7 @@ Json defaultsOf(const Scope& scope) {
 
 void addSchemaRows(Json& rows, const Scope& scope) {
     for (const Setting& setting : catalogue()) {
-        if (!belongsTo(setting, scope)) {
+        if (!isInScope(setting, scope)) {
             continue;
         }
         Json row = {{"name", setting.name},
@@ -119,7 +119,7 @@ Json numberFrom(const std::string& text) {
     return error == std::errc{} && stop == end ? Json(number) : Json();
 }
 
-/// The value that `text` stands for, or one of another type when it stands for none.
+/// Converts `text` to a value of a type. Returns null or a discarded value if that is impossible.
 Json valueFromLiteral(const std::string& text, const std::string& type) {
     if (type == "boolean") {
         return text == "true" ? Json(true) : text == "false" ? Json(false) : Json();
@@ -127,7 +127,7 @@ Json valueFromLiteral(const std::string& text, const std::string& type) {
     if (type == "integer") {
         return numberFrom<std::int64_t>(text);
     }
-    // Through the JSON reader: the standard library of some systems can't read decimals in place.
+    // Not std::from_chars(): some standard libraries lack it for decimals.
     if (type == "decimal") {
         return Json::parse(text, nullptr, false);
     }
@@ -136,7 +136,7 @@ Json valueFromLiteral(const std::string& text, const std::string& type) {
 
 const Setting& settingNamed(const std::string& name, const Scope& scope) {
     const auto found = std::ranges::find_if(catalogue(), [&](const Setting& setting) {
-        return setting.name == name && belongsTo(setting, scope);
+        return setting.name == name && isInScope(setting, scope);
     });
     if (found == catalogue().end()) {
         throw Refusal("There is no setting \"" + name + "\" here.");
@@ -144,8 +144,8 @@ const Setting& settingNamed(const std::string& name, const Scope& scope) {
     return *found;
 }
 
-/// `value` as the setting may hold it; refuses any other.
-Json acceptedValue(const Setting& setting, Json value) {
+/// Returns `value`. Throws Refusal if it is not valid for the setting.
+Json validate(const Setting& setting, Json value) {
     const std::string type = typeName(setting.defaultValue);
     const auto isText = [](const Json& element) { return element.is_string(); };
     const bool fits = type == "decimal"   ? value.is_number()
@@ -168,7 +168,7 @@ Json acceptedValue(const Setting& setting, Json value) {
                       setting.limits["minimum"].dump() + " to " + setting.limits["maximum"].dump() +
                       ".");
     }
-    // A folder name that led elsewhere would have builds write and empty folders of somebody else.
+    // With a name such as "..", builds would write to other folders and remove them.
     if (setting.name.ends_with("FolderName")) {
         const auto name = value.get<std::string>();
         if (!isPlainName(name) || name.starts_with('.') ||
@@ -242,18 +242,18 @@ Json readPatch(const Json& patch, const Scope& scope) {
         }
         const Setting& setting = settingNamed(name, scope);
         const std::string type = typeName(setting.defaultValue);
-        accepted[name] = acceptedValue(setting, valueFromLiteral(text.get<std::string>(), type));
+        accepted[name] = validate(setting, valueFromLiteral(text.get<std::string>(), type));
     }
     for (const auto& [name, value] : patch.at("values").items()) {
         const Setting& setting = settingNamed(name, scope);
-        accepted[name] = value.is_null() ? setting.defaultValue : acceptedValue(setting, value);
+        accepted[name] = value.is_null() ? setting.defaultValue : validate(setting, value);
     }
     return accepted;
 }
 
 bool concernsNewFilesOnly(const std::string& name) {
     return std::ranges::any_of(catalogue(), [&](const Setting& setting) {
-        return setting.name == name && setting.propagation == toNewFiles;
+        return setting.name == name && setting.propagation == newFilesOnly;
     });
 }
 

@@ -4,33 +4,35 @@
 
 namespace fernlow::standin {
 
-/// The languages that have settings of their own.
+/// Returns the languages that have settings.
 const std::vector<std::string>& languages();
-/// Refuses a language that has no settings.
+/// Throws Refusal if `language` has no settings.
 void requireLanguage(const std::string& language);
-/// The settings a project starts from: {"project": {...}, "languages": {...}}.
+/// Returns the initial settings of a project: {"project": {...}, "languages": {...}}.
 Json defaultSettings();
-/// Every setting of a new row of one kind of collection, with its default.
+/// Returns the default values of a row of one kind of collection.
 Json defaultRowValues(const std::string& kind);
 
-/// Schema rows of the settings of one language, or of all languages and the project when empty.
+/// Returns the schema rows for a language, or for the project and all languages if `language` is
+/// empty.
 Json settingsSchema(const std::string& language);
-/// Schema rows of one kind of collection, or of all kinds when empty.
+/// Returns the schema rows for one kind of collection, or for all kinds if `kind` is empty.
 Json collectionSchema(const std::string& kind);
 
-/// Which settings a patch may name: a language's, a collection's, or with neither the project's.
+/// The settings that a patch can change: those of a language or of a collection's rows. If both are
+/// empty, the settings of the project.
 struct Scope {
     std::string language;
     std::string collection;
 };
-/// The values that the members "literals" and "values" of `patch` ask for, "values" prevailing.
-/// Literals are read by the type of the setting they name and null means the default. One bad key
-/// or value refuses the whole patch.
+/// Returns the values that the members "literals" and "values" of `patch` set. Converts literals to
+/// the types of their settings, and null to the default. "values" has precedence. Throws Refusal if
+/// any key or value is invalid.
 Json readPatch(const Json& patch, const Scope& scope);
-/// Whether a change of this setting leaves existing output paths as they are.
+/// Returns whether a change of this setting affects only the output paths of new files.
 bool concernsNewFilesOnly(const std::string& name);
 
-/// The pieces of `text` between commas; none when it is empty.
+/// Returns the pieces of `text` between commas. An empty text has none.
 std::vector<std::string> splitAtCommas(const std::string& text);
 
 } // namespace fernlow::standin

@@ -6,7 +6,8 @@ namespace fernlow::standin {
 
 namespace {
 
-/// Changes `settings` as the request asks, wholly or not at all; gives the values that were set.
+/// Applies a patch to `settings` and returns the new values. Changes nothing if any value is
+/// invalid.
 Json applyPatch(Json& settings, const Json& body) {
     if (body.contains("fileExtension")) {
         throw Refusal("The stand-in has no settings by extension.");
@@ -27,7 +28,7 @@ Json setSettings(State& state, const Json& body) {
             stale = Json::array({language});
             continue;
         }
-        // A compiling option is copied onto the files there are, over what each had of its own.
+        // The setting of a language replaces the setting of each of its files.
         for (auto& [file, choice] : project.fileChoices) {
             if (languageOf(file) == language) {
                 choice["values"].erase(name);

@@ -16,19 +16,19 @@
 
 namespace fernlow::standin {
 
-/// Keeps members in the order they were written, so that replies read the way the code does.
+/// Keeps members in the order in which the code adds them.
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-/// A request that was understood and is not carried out; what() is a sentence for the user.
+/// The error for a request that is refused. what() is a sentence for the user.
 struct Refusal : std::runtime_error {
     explicit Refusal(const std::string& sentence, unsigned status = 422)
         : std::runtime_error(sentence), httpStatus(status) {}
     unsigned httpStatus;
 };
 
-/// One project or framework and all that has been chosen for it.
+/// A project or framework and its settings.
 struct Project { // NOLINT(bugprone-exception-escape): moving a JSON value only asserts.
     fs::path folder;
     std::string name;
@@ -37,41 +37,43 @@ struct Project { // NOLINT(bugprone-exception-escape): moving a JSON value only 
     bool isEnabled = true;
     /// {"project": {key: value}, "languages": {language: {key: value}}}
     Json settings;
-    /// The languages' settings as they were when output paths were last worked out.
+    /// The languages' settings that output paths are computed from. Changes of some settings apply
+    /// only once "settings apply-output-paths" copies them here.
     Json appliedLanguages;
-    /// What "files set" chose, by file: outputAction, outputFolder, outputFilename, values.
+    /// What "files set" has changed, by file: outputAction, outputFolder, outputFilename, values.
     std::map<fs::path, Json> fileChoices;
     std::set<fs::path> skippedFolders;
     /// Rows by kind of collection: {kind: [{"id", "values"}]}
     Json collections;
 };
 
-/// Work on one project that is going on, a step (most often a file) at a time.
+/// Work on one project, done step by step. Most steps process one file.
 struct Job {
     fs::path project;
-    /// What a status calls it: "build", "refresh", or nothing.
+    /// The kind that a status reports: "build", "refresh" or empty.
     std::string kind;
     std::vector<std::function<void()>> steps;
     std::size_t stepsDone = 0;
-    /// When the next step is done; set once the job has begun.
+    /// When the next step is due. Not set before the job starts.
     Clock::time_point nextStep{};
-    /// Tells the jobs of one request from all others.
+    /// The number of the request that started the job.
     std::uint64_t request = 0;
 };
 
-/// Everything the stand-in remembers, with the look-ups that most requests begin with.
+/// The whole state of the stand-in, with the look-ups that most requests need.
 struct State {
     State();
 
-    /// The project whose folder is `path`; refuses when there is none.
+    /// Returns the project whose folder is `path`. Throws Refusal if there is none.
     Project& projectAt(const std::string& path);
-    /// The enabled project that holds `file`, the innermost of several; refuses otherwise.
+    /// Returns the project that contains `file`, the innermost of several. Throws Refusal if there
+    /// is none or if it is disabled.
     Project& projectOf(const fs::path& file);
-    /// Gives `entry` the next cursor and keeps it; the oldest entry goes when the log is full.
+    /// Adds an entry with the next cursor to the log. Drops the oldest entry of a full log.
     void record(const Json& entry);
-    /// Whether entries after `cursor` have already been dropped from the log.
+    /// Returns whether entries after `cursor` have been dropped from the log.
     [[nodiscard]] bool isTruncatedAfter(std::uint64_t cursor) const;
-    /// Does the steps that are due. Jobs of one project go one after the other.
+    /// Does the steps that are due. The jobs of one project run one after the other.
     void advance();
 
     std::vector<Project> projects;
@@ -83,18 +85,21 @@ struct State {
     bool isFileWatchingPaused = false;
     std::list<Job> jobs;
     std::uint64_t lastRequest = 0;
-    /// How long each step of a job takes.
+    /// The duration of each step of a job.
     std::chrono::milliseconds workTime{0};
 };
 
-/// Whether the text may become a part of a path. A control character may not: one of them, NUL,
-/// ends the path for the system, so that the folder around it is meant.
+/// Returns whether `text` can be part of a path, which contains no control characters. The system
+/// would cut a path at a NUL character and use the folder before it.
 bool isPathText(const std::string& text);
-/// The same for the name of one file or folder, which leads nowhere else.
+/// Returns whether `text` can be the name of a file or folder: part of a path without a slash, and
+/// neither "." nor "..".
 bool isPlainName(const std::string& text);
-/// `text` as a path without "." and ".." and without a trailing slash; refuses a relative one.
+/// Returns an absolute path without ".", ".." and a trailing slash. Throws Refusal if `text` is not
+/// absolute or contains control characters.
 fs::path absolutePath(const std::string& text);
-/// Whether `path` is `folder` or lies below it.
+/// Returns whether `path` is `folder` or lies below it. Compares names only: both paths must be
+/// absolute and without "..".
 bool isWithin(const fs::path& path, const fs::path& folder);
 
 } // namespace fernlow::standin

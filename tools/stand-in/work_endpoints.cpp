@@ -11,46 +11,49 @@ namespace fernlow::standin {
 
 namespace {
 
-/// Answers with what was logged after `since` (about `project`, unless that is empty) once no job
-/// that `concerns` the request has been going for its settle pause, or its wait has expired.
-Answer reportWhenQuiet(State& state, const Json& body, std::uint64_t since, const fs::path& project,
-                       const std::function<bool(const Job&)>& concerns) {
+/// Returns a work report of the log entries after `since`, limited to `project` unless that is
+/// empty. The report is ready once no job for which `isRelevant` returns true has run for the
+/// request's settle time, or once the request's timeout is over.
+PendingResult reportWhenQuiet(State& state, const Json& body, std::uint64_t since,
+                              const fs::path& project,
+                              const std::function<bool(const Job&)>& isRelevant) {
     using Seconds = std::chrono::duration<double>;
     const Seconds settle(body.value("settleMilliseconds", 0.0) / 1000);
-    const Seconds patience(std::min(body["timeoutSeconds"].get<double>(), 86400.0));
+    const Seconds timeout(std::min(body["timeoutSeconds"].get<double>(), 86400.0));
     const auto start = Clock::now();
     const Json paths = body.value("paths", Json::array());
     return [=, &state, quietSince = start]() mutable -> std::optional<Json> {
         const auto now = Clock::now();
-        const bool isBusy = std::ranges::any_of(state.jobs, concerns);
+        const bool isBusy = std::ranges::any_of(state.jobs, isRelevant);
         quietSince = isBusy ? now : quietSince;
         const bool isQuiet = !isBusy && now - quietSince >= settle;
-        if (!isQuiet && now - start < patience) {
+        if (!isQuiet && now - start < timeout) {
             return std::nullopt;
         }
         Json report = workReport(state, since, project);
         report["requestedPaths"] = paths;
         report["timedOut"] = !isQuiet;
-        // Left to itself, a JSON value could become an optional in two ways.
+        // Without this, converting a JSON value to an optional is ambiguous.
         return std::optional<Json>(std::in_place, std::move(report));
     };
 }
 
-/// Begins the jobs, and answers when they are done, or at once to a request that does not wait.
-Answer carryOut(State& state, const Json& body, std::vector<Job> jobs) {
+/// Starts the jobs. The report is ready when they are done, or at once if the request does not
+/// wait.
+PendingResult startJobs(State& state, const Json& body, std::vector<Job> jobs) {
     const std::uint64_t request = ++state.lastRequest;
     for (Job& job : jobs) {
         job.request = request;
         state.jobs.push_back(std::move(job));
     }
     const bool isWaiting = body["wait"];
-    Json terms = body;
-    terms["settleMilliseconds"] = isWaiting ? body.value("settleMilliseconds", 0.0) : 0.0;
-    return reportWhenQuiet(state, terms, state.logCursor, "",
+    Json waiting = body;
+    waiting["settleMilliseconds"] = isWaiting ? body.value("settleMilliseconds", 0.0) : 0.0;
+    return reportWhenQuiet(state, waiting, state.logCursor, "",
                            [=](const Job& job) { return isWaiting && job.request == request; });
 }
 
-/// A step for each source. Looks the project up anew: it may be gone when a step's turn comes.
+/// Returns a step for each source. A step looks the project up, because it may have been removed.
 std::vector<std::function<void()>> compileSteps(State& state, const Project& project,
                                                 const std::vector<fs::path>& sources) {
     std::vector<std::function<void()>> steps;
@@ -62,7 +65,7 @@ std::vector<std::function<void()>> compileSteps(State& state, const Project& pro
     return steps;
 }
 
-/// The files that `body` names; refuses one that is missing or in no enabled project.
+/// Returns the member "paths". Throws Refusal if a file is missing or in no enabled project.
 std::vector<fs::path> requestedFiles(State& state, const Json& body) {
     std::vector<fs::path> files;
     for (const auto& text : body["paths"]) {
@@ -78,7 +81,7 @@ std::vector<fs::path> requestedFiles(State& state, const Json& body) {
     return files;
 }
 
-Answer process(State& state, const Json& body) {
+PendingResult process(State& state, const Json& body) {
     std::map<Project*, std::vector<fs::path>> filesByProject;
     for (const fs::path& file : requestedFiles(state, body)) {
         Project& project = state.projectOf(file);
@@ -92,7 +95,7 @@ Answer process(State& state, const Json& body) {
         const auto sources = body["mode"] == "exactly" ? saved : affectedBy(*project, saved);
         jobs.push_back({project->folder, "", compileSteps(state, *project, sources)});
     }
-    return carryOut(state, body, std::move(jobs));
+    return startJobs(state, body, std::move(jobs));
 }
 
 /// Removes a build folder, but leaves a link in its place: the build then reports the link instead
@@ -103,18 +106,18 @@ void removeBuildFolder(const fs::path& folder) {
     }
 }
 
-Answer buildProject(State& state, const Json& body) {
+PendingResult buildProject(State& state, const Json& body) {
     const Project& project = state.projectOf(state.projectAt(body["path"]).folder);
     Job job = {project.folder, "build", compileSteps(state, project, filesWithOutput(project))};
     if (body.value("clean", false) && outputRoot(project) != sourceFolder(project)) {
         job.steps.insert(job.steps.begin(),
                          [folder = outputRoot(project)] { removeBuildFolder(folder); });
     }
-    return carryOut(state, body, {job});
+    return startJobs(state, body, {job});
 }
 
-/// A step that only tells of itself in the log.
-std::function<void()> told(State& state, const Project& project, const std::string& title) {
+/// Returns a step that only adds an entry to the log.
+std::function<void()> logStep(State& state, const Project& project, const std::string& title) {
     const Json entry = {{"severity", "success"},
                         {"title", title},
                         {"message", ""},
@@ -123,7 +126,7 @@ std::function<void()> told(State& state, const Project& project, const std::stri
     return [&state, entry] { state.record(entry); };
 }
 
-Answer refresh(State& state, const Json& body) {
+PendingResult refresh(State& state, const Json& body) {
     const Project* only = body.contains("path") ? &state.projectAt(body["path"]) : nullptr;
     std::vector<Job> jobs;
     for (const Project& project : state.projects) {
@@ -134,28 +137,29 @@ Answer refresh(State& state, const Json& body) {
             {project.folder,
              "refresh",
              {[&state, folder = project.folder] { readSkippedFolders(state.projectAt(folder)); },
-              told(state, project, "Refreshed " + project.name)}});
+              logStep(state, project, "Refreshed " + project.name)}});
     }
-    return carryOut(state, body, std::move(jobs));
+    return startJobs(state, body, std::move(jobs));
 }
 
-/// Refuses files other than of the kinds wanted, then has `work` make each one's step.
-Answer
-forEachOfKind(State& state, const Json& body, const std::vector<std::string>& extensions,
-              const std::string& refusal,
-              const std::function<std::function<void()>(const Project&, const fs::path&)>& work) {
+/// Starts a job with the step `makeStep(project, file)` for each requested file. Throws Refusal if
+/// a file has none of the extensions.
+PendingResult forEachOfKind(
+    State& state, const Json& body, const std::vector<std::string>& extensions,
+    const std::string& refusal,
+    const std::function<std::function<void()>(const Project&, const fs::path&)>& makeStep) {
     std::vector<Job> jobs;
     for (const fs::path& file : requestedFiles(state, body)) {
         if (std::ranges::count(extensions, file.extension().string()) == 0) {
             throw Refusal(file.string() + refusal);
         }
         const Project& project = state.projectOf(file);
-        jobs.push_back({project.folder, "", {work(project, file)}});
+        jobs.push_back({project.folder, "", {makeStep(project, file)}});
     }
-    return carryOut(state, body, std::move(jobs));
+    return startJobs(state, body, std::move(jobs));
 }
 
-Answer check(State& state, const Json& body) {
+PendingResult check(State& state, const Json& body) {
     return forEachOfKind(state, body, {".js"},
                          " is not Javascript, and nothing else can be checked.",
                          [&state](const Project& project, const fs::path& file) {
@@ -165,16 +169,16 @@ Answer check(State& state, const Json& body) {
                          });
 }
 
-Answer optimize(State& state, const Json& body) {
+PendingResult optimize(State& state, const Json& body) {
     return forEachOfKind(state, body, {".png", ".jpg", ".jpeg", ".gif", ".svg", ".webp"},
                          " is not an image that can be optimised.",
                          [&state](const Project& project, const fs::path& file) {
-                             return told(state, project,
-                                         "Would optimise " + file.filename().string());
+                             return logStep(state, project,
+                                            "Would optimise " + file.filename().string());
                          });
 }
 
-Answer waitUntilIdle(State& state, const Json& body) {
+PendingResult waitUntilIdle(State& state, const Json& body) {
     const fs::path project =
         body.contains("projectPath") ? state.projectAt(body["projectPath"]).folder : fs::path();
     return reportWhenQuiet(
@@ -182,7 +186,7 @@ Answer waitUntilIdle(State& state, const Json& body) {
         [project](const Job& job) { return project.empty() || job.project == project; });
 }
 
-/// The npm command line that a packages request stands for.
+/// Returns the npm command line for a packages request. Nothing runs it.
 std::string npmCommand(const Json& body) {
     const std::string action = body["action"];
     std::string command = "npm " + (action == "forceInstall" ? "install --force" : action);
@@ -208,14 +212,14 @@ std::string npmCommand(const Json& body) {
     return command;
 }
 
-Answer packages(State& state, const Json& body) {
+PendingResult packages(State& state, const Json& body) {
     const Project& project = state.projectOf(state.projectAt(body["path"]).folder);
     if (body["action"] == "uninstall" && body["packages"].empty()) {
         throw Refusal("Uninstalling needs the names of the packages.");
     }
     const std::string command = npmCommand(body);
-    const Answer report = carryOut(
-        state, body, {Job{project.folder, "", {told(state, project, "Would run " + command)}}});
+    const PendingResult report = startJobs(
+        state, body, {Job{project.folder, "", {logStep(state, project, "Would run " + command)}}});
     return [report, command, body] {
         std::optional<Json> result = report();
         if (result) {
@@ -226,7 +230,7 @@ Answer packages(State& state, const Json& body) {
 }
 
 Json preview(State& /*unused*/, const Json& body) {
-    // The host stands for the choice; 192.0.2.1 is an address that documentation may use.
+    // The host shows which address was chosen. 192.0.2.1 is reserved for documentation.
     static const std::map<std::string, std::string> hosts = {{"preferred", "localhost"},
                                                              {"bonjour", "stand-in.local"},
                                                              {"lan", "192.0.2.1"},
