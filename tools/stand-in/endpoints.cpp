@@ -175,6 +175,34 @@ void requireMembers(const Json& body, const Endpoint& endpoint) {
     }
 }
 
+/// Throws Refusal for a document that is nested so deeply that recursive functions would overflow
+/// the stack, or has so many members that finding them, one after the other, would take minutes.
+void requireReasonableShape(const std::string& document) {
+    constexpr int maxDepth = 1024;
+    constexpr int maxMembers = 10'000;
+    int depth = 0;
+    int members = 0;
+    bool isInText = false;
+    for (std::size_t index = 0; index < document.size(); ++index) {
+        const char character = document[index];
+        if (isInText) {
+            isInText = character != '"';
+            index += character == '\\' ? 1 : 0;
+            continue;
+        }
+        isInText = character == '"';
+        depth += character == '{' || character == '[' ? 1 : 0;
+        depth -= character == '}' || character == ']' ? 1 : 0;
+        members += character == ':' ? 1 : 0;
+        if (depth > maxDepth) {
+            throw Refusal("The request is nested too deeply.", 400);
+        }
+        if (members > maxMembers) {
+            throw Refusal("The request has too many members.", 400);
+        }
+    }
+}
+
 Json readBody(const Request& request) {
     if (request.isTooLarge) {
         throw Refusal("The request is too large.", 413);
@@ -182,18 +210,8 @@ Json readBody(const Request& request) {
     if (request.method == "GET" && request.body.empty()) {
         return Json::object();
     }
-    constexpr int maxDepth = 1024;
-    bool isTooDeep = false;
-    const auto checkDepth = [&](int depth, Json::parse_event_t event, const Json& /*unused*/) {
-        const bool isContainer =
-            event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
-        isTooDeep = isTooDeep || (isContainer && depth >= maxDepth);
-        return !isTooDeep;
-    };
-    Json body = Json::parse(request.body, checkDepth, false);
-    if (isTooDeep) {
-        throw Refusal("The request is nested too deeply.", 400);
-    }
+    requireReasonableShape(request.body);
+    Json body = Json::parse(request.body, nullptr, false);
     if (!body.is_object()) {
         throw Refusal("The request is not a JSON object.", 400);
     }

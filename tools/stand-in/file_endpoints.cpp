@@ -10,7 +10,7 @@ namespace {
 
 fs::path existingFile(const Json& body) {
     fs::path file = absolutePath(body["path"]);
-    if (!fs::is_regular_file(file)) {
+    if (!isFile(file)) {
         throw Refusal("There is no file at " + file.string() + ".");
     }
     return file;
@@ -119,7 +119,7 @@ Json skipFolders(State& state, const Json& body) {
     std::vector<fs::path> folders;
     for (const auto& text : body["paths"]) {
         folders.push_back(absolutePath(text.get<std::string>()));
-        if (!fs::is_directory(folders.back())) {
+        if (!isFolder(folders.back())) {
             throw Refusal("There is no folder at " + folders.back().string() + ".");
         }
         state.projectOf(folders.back());

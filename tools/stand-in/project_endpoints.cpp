@@ -20,7 +20,7 @@ Json projectRow(const Project& project) {
 
 Json addProject(State& state, const Json& body) {
     const fs::path folder = absolutePath(body["path"]);
-    if (!fs::is_directory(folder)) {
+    if (!isFolder(folder)) {
         throw Refusal("There is no folder at " + folder.string() + ".");
     }
     if (std::ranges::find(state.projects, folder, &Project::folder) != state.projects.end()) {

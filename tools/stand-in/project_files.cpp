@@ -45,11 +45,10 @@ std::optional<fs::path> resolveImport(const fs::path& importer, const std::strin
     std::error_code noSuchFolder;
     for (const auto& entry : fs::directory_iterator(target.parent_path(), noSuchFolder)) {
         const fs::path& candidate = entry.path();
-        std::error_code unreadable;
         const bool isNamed = candidate.filename() == target.filename() ||
                              (candidate.extension() == importer.extension() &&
                               stemWithoutUnderscore(candidate) == target.filename());
-        if (isNamed && entry.is_regular_file(unreadable)) {
+        if (isNamed && isFile(candidate)) {
             return candidate;
         }
     }
@@ -93,13 +92,11 @@ std::vector<fs::path> indexedPaths(const Project& project, bool includeFolders) 
                                           fs::directory_options::skip_permission_denied);
     for (; walk != fs::recursive_directory_iterator(); ++walk) {
         const fs::path& path = walk->path();
-        std::error_code unreadable;
         const bool isOutput = path == outputRoot(project) && path != sourceFolder(project);
         if (isOutput || project.skippedFolders.contains(path) ||
             path.filename().string().starts_with('.')) {
             walk.disable_recursion_pending();
-        } else if (walk->is_regular_file(unreadable) ||
-                   (includeFolders && walk->is_directory(unreadable))) {
+        } else if (isFile(path) || (includeFolders && isFolder(path))) {
             paths.push_back(path);
         }
     }
@@ -170,10 +167,10 @@ Json fileRow(const Project& project, const fs::path& file) {
                 {"outputActionIsChosen", !choiceFor(project, file, "outputAction").empty()},
                 {"outputPathIsChosen", !choiceFor(project, file, "outputFolder").empty()},
                 {"isShadowItem", !isWithin(file, project.folder)},
-                {"isFolder", fs::is_directory(file)},
-                {"exists", fs::exists(file)}};
+                {"isFolder", isFolder(file)},
+                {"exists", isFile(file) || isFolder(file)}};
     const auto output = outputPathOf(project, file);
-    if (output && !fs::is_directory(file)) {
+    if (output && !isFolder(file)) {
         row["outputPath"] = output->string();
     }
     return row;

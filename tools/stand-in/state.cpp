@@ -77,6 +77,16 @@ void State::advance() {
     });
 }
 
+bool isFile(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored);
+}
+
+bool isFolder(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
+
 bool isPathText(const std::string& text) {
     return std::ranges::none_of(text, [](char character) {
         return static_cast<unsigned char>(character) < ' ' || character == '\x7F';

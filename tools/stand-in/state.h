@@ -89,6 +89,10 @@ struct State {
     std::chrono::milliseconds workTime{0};
 };
 
+/// Return whether there is a file or a folder at `path`. Other errors than a missing file also mean
+/// that there is none, such as a name that is too long.
+bool isFile(const fs::path& path);
+bool isFolder(const fs::path& path);
 /// Returns whether `text` can be part of a path, which contains no control characters. The system
 /// would cut a path at a NUL character and use the folder before it.
 bool isPathText(const std::string& text);

@@ -81,6 +81,11 @@ LockFile::LockFile(const std::string& socketPath) : path_(socketPath + ".lock") 
         if (descriptor_ < 0) {
             throwSystemError(path_);
         }
+        // Somebody's file of this name must not be removed at the end.
+        struct stat locked{};
+        if (fstat(descriptor_, &locked) != 0 || !S_ISREG(locked.st_mode) || locked.st_size != 0) {
+            throw std::runtime_error(path_ + " exists and is not a lock file.");
+        }
         struct flock wholeFile{};
         wholeFile.l_type = F_WRLCK;
         wholeFile.l_whence = SEEK_SET;
@@ -88,10 +93,8 @@ LockFile::LockFile(const std::string& socketPath) : path_(socketPath + ".lock") 
             errno == EACCES || errno == EAGAIN ? throwInUse(socketPath) : throwSystemError(path_);
         }
         // The previous owner may have removed the file after this process opened it.
-        struct stat locked{};
         struct stat present{};
-        if (fstat(descriptor_, &locked) == 0 && lstat(path_.c_str(), &present) == 0 &&
-            locked.st_ino == present.st_ino) {
+        if (lstat(path_.c_str(), &present) == 0 && locked.st_ino == present.st_ino) {
             return;
         }
         close(descriptor_);

@@ -70,7 +70,7 @@ std::vector<fs::path> requestedFiles(State& state, const Json& body) {
     std::vector<fs::path> files;
     for (const auto& text : body["paths"]) {
         files.push_back(absolutePath(text.get<std::string>()));
-        if (!fs::is_regular_file(files.back())) {
+        if (!isFile(files.back())) {
             throw Refusal("There is no file at " + files.back().string() + ".");
         }
         state.projectOf(files.back());
