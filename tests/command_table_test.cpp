@@ -80,7 +80,7 @@ TEST(CommandTable, EveryOptionAndOperandHasAnEffect) {
             const std::string longer = line + sample(*option);
             EXPECT_TRUE(succeeds(longer) && outcome(longer) != outcome(line))
                 << "The row of \"" << command->name() << "\" lists " << option->word
-                << ", but its parser does not use it.\n"
+                << ", so its parser must accept and use it.\n"
                 << longer << ": " << outcome(longer);
         }
         for (const Operand* const operand : command->operands) {

@@ -181,7 +181,8 @@ TEST_F(EndToEnd, StandInStartsOnlyWithTheLock) {
 TEST_F(EndToEnd, ReachesEveryEndpoint) {
     folder_.write("site/src/main.js", "function greet() {}\n");
     folder_.write("site/src/logo.png", "");
-    EXPECT_EQ(read("schema")["endpoints"].size(), 40U);
+    EXPECT_EQ(read("schema")["endpoints"].size(), 40U)
+        << "Add a command for each new endpoint to the lines below, and correct the number.";
     std::istringstream lines(R"(
         status; projects; schema; groups; defaults; add .; enable .; watch resume;
         process src/app.scss; wait; log; build; refresh; optimize src/logo.png;

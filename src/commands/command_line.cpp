@@ -3,7 +3,7 @@
 #include "commands/command_table.h"
 
 #include <algorithm>
-#include <cassert>
+#include <stdexcept>
 #include <utility>
 
 namespace fernlow {
@@ -15,6 +15,10 @@ bool areAllPaths(const std::vector<std::string>& words) {
            std::all_of(words.begin(), words.end(), [](const std::string& word) {
                return word.starts_with('-') || looksLikePath(word);
            });
+}
+
+bool contains(std::span<const Option* const> options, const Option& option) {
+    return std::find(options.begin(), options.end(), &option) != options.end();
 }
 
 } // namespace
@@ -93,11 +97,10 @@ AgentCLIUsageError CommandLine::unknownSubcommand(const std::string& word) const
 }
 
 const std::string* CommandLine::givenText(const Option& option) const {
-    [[maybe_unused]] const auto isInRow = [&] {
-        const auto options = command_->allOptions();
-        return std::find(options.begin(), options.end(), &option) != options.end();
-    };
-    assert(isInRow() && "A parser asks for an option that its command's row does not list.");
+    if (!contains(command_->required, option) && !contains(command_->options, option)) {
+        throw std::logic_error("The parser of \"" + command_->name() + "\" asks for " +
+                               std::string(option.word) + ", which its row does not list.");
+    }
     const auto found = std::find_if(taken_.begin(), taken_.end(), [&](const TakenOption& taken) {
         return taken.option == &option;
     });

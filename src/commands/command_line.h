@@ -20,8 +20,9 @@ enum class Validation { whenTaken, none };
 /// completion: the constructor finds the command, takeSubcommand() finds the subcommand and takes
 /// the options, and the command's parser takes the remaining words.
 ///
-/// A parser asks only for options in its command's row. All functions that take or require
-/// something throw AgentCLIUsageError if the line does not contain it.
+/// A parser may only ask for options in its command's row; any other option throws
+/// std::logic_error. All functions that take or require something throw AgentCLIUsageError if the
+/// line does not contain it.
 class CommandLine : public WordList {
 public:
     /// Finds the command and takes the options that may stand before a subcommand. Throws
