@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -146,7 +145,7 @@ TEST(Completion, AsksTheApplication) {
              {"settings set --extension ", rows,
               R"(POST /v1/collections {"path":"/p/src","kind":"userLanguages"})", "x y"},
              {"move --group ", "{]", "GET /v1/groups ", ""}}) {
-        ScriptedPeer peer({answer(reply(R"({"ok":true,"result":)" + result + "}"))});
+        ScriptedPeer peer({answerResult(result)});
         EXPECT_EQ(completed("--socket " + peer.path() + " " + line), expected) << line;
         const std::string& sent = peer.requests().at(0);
         EXPECT_EQ(sent.substr(0, sent.find("HTTP")) + sent.substr(sent.find("\r\n\r\n") + 4),
@@ -193,11 +192,9 @@ TEST(Completion, PrintsNothingWhenSomethingIsWrong) {
              {"zsh / 4 collections set --kind hooks x", "nothing\n0"},
              {"zsh / 3 settings set \"$(printf '\\377')=\" ''", "nothing\n0"},
              {"bash / 'fernlow \"ad' '' ad", "add\n0"}}) {
-        FILE* const output = ::popen((line + " " + arguments + " 2>&1; printf $?").c_str(), "r");
-        std::string text(1000, '\0');
-        text.resize(std::fread(text.data(), 1, text.size(), output));
-        ::pclose(output);
-        EXPECT_EQ(text, expected) << arguments;
+        ProgramRun run{{"-c", line + " " + arguments + " 2>&1; printf $?"}};
+        run.program = "/bin/sh";
+        EXPECT_EQ(runProgram(run).standardOutput, expected) << arguments;
     }
 }
 
@@ -248,21 +245,21 @@ TEST(Completion, QuotesRepliesForBash) {
         many += R"({"name":")" + longName + std::to_string(number) + R"("},)";
     }
     many += R"({"name":")" + std::string(513, 'y') + R"("},)";
-    many = reply(R"({"ok":true,"result":[)" + many + "{}]}");
-    const ScriptedPeer groups({answer(many), answer(many), answer(many)});
+    const auto manyGroups = answerResult("[" + many + "{}]");
+    const ScriptedPeer groups({manyGroups, manyGroups, manyGroups});
     const std::string toGroup = "--socket " + groups.path() + " move --group ";
     EXPECT_EQ(completed(toGroup + "n2499"), "n2499");
     EXPECT_EQ(completed(toGroup + "y"), "");
     EXPECT_EQ(completed(toGroup + "x").size() / 1000, 65U);
-    ScriptedPeer unasked({answer(reply(R"({"ok":true,"result":[{"name":"n"}]})"))});
+    ScriptedPeer unasked({answerResult(R"([{"name":"n"}])")});
     for (const std::string word : {"$(x)", "\"`x`\"", "*", "$x"}) {
         EXPECT_EQ(
             bashCompleted("fernlow --socket " + unasked.path() + " move " + word + " --group ", ""),
             "");
     }
-    const ScriptedPeer history({answer(reply(R"({"ok":true,"result":[{"name":"a!!"}]})"))});
+    const ScriptedPeer history({answerResult(R"([{"name":"a!!"}])")});
     EXPECT_EQ(bashCompleted("fernlow --socket " + history.path() + " move --group \"a", "a"), "");
-    const auto group = answer(reply(R"({"ok":true,"result":[{"name":"k=a: 'b' \"$x"}]})"));
+    const auto group = answerResult(R"([{"name":"k=a: 'b' \"$x"}])");
     for (const auto& [word, replaced, expected] :
          std::vector<std::tuple<std::string, std::string, std::string>>{
              {"k=", "", R"(a:\ \'b\'\ \"\$x |)"},
@@ -277,13 +274,13 @@ TEST(Completion, QuotesRepliesForBash) {
             bashCompleted("fernlow --socket " + peer.path() + " move --group " + word, replaced),
             expected);
     }
-    const ScriptedPeer setting({answer(reply(R"({"ok":true,"result":[{"name":"key"}]})"))});
+    const ScriptedPeer setting({answerResult(R"([{"name":"key"}])")});
     EXPECT_EQ(bashCompleted("fernlow --socket " + setting.path() + " defaults set k", "k"),
               "key=|");
     for (const auto& [word, expected] :
          std::vector<std::pair<std::string, std::string>>{{"'", R"(a'\''b|)"}, {"a'", ""}}) {
-        const ScriptedPeer quote({answer(
-            reply(R"({"ok":true,"result":[{"name":"it'"},{"name":"'t"},{"name":"a'b"}]})"))});
+        const ScriptedPeer quote(
+            {answerResult(R"([{"name":"it'"},{"name":"'t"},{"name":"a'b"}])")});
         EXPECT_EQ(bashCompleted("fernlow --socket " + quote.path() + " move --group " + word, ""),
                   expected);
     }

@@ -16,7 +16,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 namespace fernlow::test {
@@ -28,13 +27,12 @@ using Connection = ScriptedPeer::Connection;
 constexpr const char* missingSocket = "/no/such/socket";
 
 /// A script that replaces the program that starts the application. It records its calls.
-class Opener {
+class Opener : public TemporaryFolder {
 public:
     /// The script first runs `body` in its own folder.
     explicit Opener(const std::string& body = "") {
-        std::ofstream(file("open")) << "#!/bin/sh\nfrom=$(pwd)\ncd '" << folder_.path() << "'\n"
-                                    << body << "\necho \"$from: $@\" >>calls\n";
-        ::chmod(file("open").c_str(), 0700);
+        writeScript("open",
+                    "from=$(pwd)\ncd '" + path() + "'\n" + body + "\necho \"$from: $@\" >>calls\n");
     }
 
     /// Runs a line that starts the application with this script.
@@ -42,14 +40,7 @@ public:
                               std::chrono::milliseconds launchTimeout = 20s) const {
         return runLine("status --socket " + socketPath, {file("open"), 10ms, launchTimeout});
     }
-    [[nodiscard]] bool wasCalled() const { return std::filesystem::exists(file("calls")); }
-    [[nodiscard]] std::string file(const std::string& name) const { return folder_.file(name); }
-    [[nodiscard]] std::string contents(const std::string& name) const {
-        return folder_.contents(name);
-    }
-
-private:
-    TemporaryFolder folder_;
+    [[nodiscard]] bool wasCalled() const { return contains("calls"); }
 };
 
 /// Serves the client's test connection, which sends no request.

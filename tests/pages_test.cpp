@@ -68,10 +68,11 @@ Outcome runScript(const std::string& script, const std::string& shell = "sh",
                   bool inTerminal = false) {
     const TemporaryFolder folder;
     const StandIn standIn(folder.file("s"));
-    const std::string home = std::filesystem::canonical(folder.path()).string();
-    const std::string setUp = "mkdir bin; printf '#!/bin/sh\\nexec \"" + program("bin/fernlow") +
-                              "\" --no-launch --socket " + home + "/s \"$@\"\\n' >bin/fernlow\n" +
-                              "chmod +x bin/fernlow; PATH=" + home + "/bin:$PATH\n";
+    const std::string& home = folder.path();
+    folder.writeScript("bin/fernlow", "exec '" + program("bin/fernlow") +
+                                          "' --no-launch --socket " + folder.file("s") +
+                                          " \"$@\"\n");
+    const std::string setUp = "PATH=" + folder.file("bin") + ":$PATH\n";
     ProgramRun run{{shell, "-c", setUp + replaceAll(script, "/home/me", home)}, home};
     run.program = "/usr/bin/env";
     run.inTerminal = inTerminal;

@@ -15,7 +15,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #ifdef __APPLE__
 #include <util.h>
@@ -51,13 +50,13 @@ const Shell fish{
     "cat ~/../fernlow.fish | source"};
 
 /// A session of the shell with the installed completion, in a folder with files to complete.
-class Session {
+class Session : public TemporaryFolder {
 public:
     explicit Session(const Shell& shell) {
         namespace fs = std::filesystem;
-        const std::string prefix = folder_.file("prefix");
-        fs::create_directories(folder_.file("home/my déjà vu"));
-        std::ofstream(folder_.file("home/a naïve file.js")) << "";
+        const std::string prefix = file("prefix");
+        fs::create_directories(file("home/my déjà vu"));
+        write("home/a naïve file.js", "");
         const char* const other = std::getenv("FERNLOW_PREFIX");
         const std::string install = other == nullptr
                                         ? FERNLOW_INSTALL " --prefix " + prefix + " >/dev/null"
@@ -65,19 +64,17 @@ public:
         EXPECT_EQ(std::system(install.c_str()), 0);
         fs::remove(prefix + "/bin/fernlow");
         // A link leads to the program, as with Homebrew.
-        std::ofstream(prefix + "/bin/real")
-            << "#!/bin/sh\nprintf GOT; printf '[%s]' \"$@\"; echo END\n";
-        fs::permissions(prefix + "/bin/real", fs::perms::owner_all);
-        fs::create_directories(folder_.file("links"));
-        fs::create_symlink(prefix + "/bin/real", folder_.file("links/fernlow"));
+        writeScript("prefix/bin/real", "printf GOT; printf '[%s]' \"$@\"; echo END\n");
+        fs::create_directories(file("links"));
+        fs::create_symlink(prefix + "/bin/real", file("links/fernlow"));
         winsize size{50, 200, 0, 0};
         process_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
         if (process_ == 0) {
-            ::setenv("HOME", folder_.file("home").c_str(), 1);
-            ::setenv("PATH", (folder_.file("links") + ":" + std::getenv("PATH")).c_str(), 1);
+            ::setenv("HOME", file("home").c_str(), 1);
+            ::setenv("PATH", (file("links") + ":" + std::getenv("PATH")).c_str(), 1);
             ::setenv("LC_ALL", "C.UTF-8", 1);
             ::setenv("TERM", "xterm", 1);
-            if (::chdir(folder_.file("home").c_str()) == 0) {
+            if (::chdir(file("home").c_str()) == 0) {
                 ::execlp("sh", "sh", "-c",
                          ("exec " + shell.program + " " + shell.arguments).c_str(), nullptr);
             }
@@ -117,10 +114,7 @@ public:
                                         : seen.substr(start + 3, end - start - 3);
     }
 
-    [[nodiscard]] std::string file(const std::string& name) const { return folder_.file(name); }
-
 private:
-    TemporaryFolder folder_;
     int terminal_ = -1;
     pid_t process_ = -1;
 };
@@ -138,9 +132,7 @@ bool isLeftOut(const Shell& shell, const std::string& name) {
 void expectNames(const Shell& shell, Session& session) {
     namespace fs = std::filesystem;
     for (const char* const program : {"links/evil", "home/libexec/fernlow-complete"}) {
-        fs::create_directories(session.file("home/libexec"));
-        std::ofstream(session.file(program)) << "#!/bin/sh\ntouch '" + session.file("ran") + "'\n";
-        fs::permissions(session.file(program), fs::perms::owner_all);
+        session.writeScript(program, "touch '" + session.file("ran") + "'\n");
     }
     fs::create_directories(session.file("home/bin"));
     fs::copy_file(session.file("prefix/bin/real"), session.file("home/bin/fernlow"));
@@ -166,8 +158,7 @@ void expectNames(const Shell& shell, Session& session) {
                           (isLeftOut(shell, name) ? "" : "[" + name + "]"));
         }
     }
-    const ScriptedPeer braces(
-        {answer(reply(R"({"ok":true,"result":[{"name":"abc"},{"name":"a{b,c"}]})"))});
+    const ScriptedPeer braces({answerResult(R"([{"name":"abc"},{"name":"a{b,c"}])")});
     EXPECT_EQ(session.typed("fernlow --socket " + braces.path() + " move --group a{b\t}"),
               "[--socket][" + braces.path() + "][move][--group][a{b}]");
     // The same is true of names on the disk, but a relative path cannot begin with "~".
@@ -188,7 +179,7 @@ void expectNames(const Shell& shell, Session& session) {
                   "[add][" + session.file("home/../disk/") + below + "]");
         fs::remove_all(session.file("disk"));
     }
-    EXPECT_FALSE(fs::exists(session.file("ran")));
+    EXPECT_FALSE(session.contains("ran"));
 }
 
 void expectCompletions(const Shell& shell) {
@@ -197,7 +188,7 @@ void expectCompletions(const Shell& shell) {
     }
     Session session(shell);
     const StandIn standIn(session.file("s"));
-    const std::string site = std::filesystem::canonical(session.file("home/my déjà vu"));
+    const std::string site = session.file("home/my déjà vu");
     const std::string socket = "fernlow --socket ../s ";
     ProgramRun add{{"--socket", session.file("s"), "add", site}};
     ASSERT_EQ(runProgram(add).status, 0);
@@ -225,7 +216,7 @@ void expectCompletions(const Shell& shell) {
     std::filesystem::create_directories(session.file("home/a/b/c"));
     session.typed("cd ~/a/b/c; " + shell.startFromNowhere + "; fernlow ready");
     session.typed("fernlow stat\t");
-    EXPECT_FALSE(std::filesystem::exists(session.file("ran")));
+    EXPECT_FALSE(session.contains("ran"));
 }
 
 } // namespace

@@ -21,28 +21,29 @@ inline const Outcome readFailed{"", "Fernlow stopped answering partway through i
 inline const Outcome malformed{
     "", "Something answered on Fernlow's socket, but not with a reply Fernlow would send.\n", 3};
 inline const Outcome done{"Done.\n", "", 0};
-// Closing with unread bytes resets the peer's side on Linux; on macOS it is an end like any other.
+// Closing with unread bytes resets the connection on Linux. On macOS it only ends the connection.
 #ifdef __APPLE__
 inline const Outcome& afterReset = malformed;
 #else
 inline const Outcome& afterReset = readFailed;
 #endif
 
-/// The reply of an application that has nothing to say.
+/// Returns a script that answers with success and no result.
 inline ScriptedPeer::Script answerDone() {
     return answer(reply(R"({"ok":true})"));
 }
 
-/// For a line with a negative timeout, which a peer that stalls would otherwise hold for 5 seconds.
+/// For a command line with a negative timeout. Without it, a peer that does not answer would delay
+/// the run for 5 seconds.
 inline const ExchangeSettings shortTimeout{.minReplyTimeout = std::chrono::milliseconds(100)};
 
-/// Runs the words of a line against a peer that is there already.
+/// Runs a command line in this process against a peer that is listening.
 inline Outcome runAgainst(const ScriptedPeer& peer, const std::string& line,
                           const ExchangeSettings& settings = {}) {
     return runLine("--no-launch --socket " + peer.path() + " " + line, settings);
 }
 
-/// The same with the built program, once `prepare` has spoilt something.
+/// Runs a command line with the built program. See ProgramRun for `prepare` and `inTerminal`.
 inline Outcome runProgramAgainst(const ScriptedPeer& peer, const std::string& line,
                                  std::function<void()> prepare = {}, bool inTerminal = false) {
     return runProgram({splitWords("--no-launch --socket " + peer.path() + " " + line), "/",

@@ -18,7 +18,7 @@ namespace fernlow::test {
 
 namespace {
 
-/// Whether head and body are there.
+/// Returns whether the request has its head and its whole body.
 bool isComplete(const std::string& request) {
     constexpr std::string_view lengthHeader = "Content-Length: ";
     const std::size_t headEnd = request.find("\r\n\r\n");
@@ -117,6 +117,10 @@ ScriptedPeer::Script answer(std::string bytes) {
 
 std::string reply(std::string_view body) {
     return "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n" + std::string(body);
+}
+
+ScriptedPeer::Script answerResult(std::string_view result) {
+    return answer(reply(R"({"ok":true,"result":)" + std::string(result) + "}"));
 }
 
 } // namespace fernlow::test

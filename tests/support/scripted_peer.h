@@ -11,23 +11,24 @@
 
 namespace fernlow::test {
 
-/// A peer on a real socket that treats each connection as it is told, one after the other, and
-/// remembers what it was sent.
+/// A server on a real socket that runs one script for each connection, one after the other, and
+/// stores the requests.
 class ScriptedPeer {
 public:
-    /// One connection: the peer's side of it, and the whole request (head and body) once read.
+    /// The peer's side of a connection.
     class Connection {
     public:
         explicit Connection(int socket) : socket_(socket) {}
 
-        /// Reads until the request is complete or the client closes.
+        /// Reads until the request is complete or the client closes the connection. Returns the
+        /// request: head and body.
         const std::string& readRequest();
-        /// Writes as much as the client takes.
+        /// Writes until the client has all bytes or closes the connection.
         void write(std::string_view bytes) const;
-        /// Waits for the request to begin, without taking it. A script that ends there closes with
-        /// unread bytes, which the client sees as a reset: these sockets have no linger.
+        /// Waits for the first byte of the request, without reading it. If the script then ends,
+        /// the connection closes with unread bytes, which resets it.
         void awaitFirstByte() const;
-        /// Waits until the client has closed its side, without taking anything.
+        /// Waits until the client has closed its side, without reading.
         void waitUntilGone() const;
         [[nodiscard]] bool isGone() const;
 
@@ -38,13 +39,13 @@ public:
     };
     using Script = std::function<void(Connection&)>;
 
-    /// Each script serves one connection, after which nobody listens. On Linux one more fits into
-    /// the queue, and a third has to wait before it is connected.
+    /// Each script serves one connection. After the last script the socket is closed. On Linux the
+    /// queue holds one more connection; connecting a third one blocks.
     explicit ScriptedPeer(std::vector<Script> scripts);
     ~ScriptedPeer();
 
     [[nodiscard]] std::string path() const { return folder_.file("agent.sock"); }
-    /// Waits for the last script, then gives each connection's request.
+    /// Waits until the last script has ended. Returns the request of each connection.
     const std::vector<std::string>& requests();
 
 private:
@@ -57,10 +58,13 @@ private:
     std::thread thread_;
 };
 
-/// The script that reads the request and answers with these bytes.
+/// Returns a script that reads the request and writes these bytes.
 ScriptedPeer::Script answer(std::string bytes);
 
-/// A whole reply with that body.
+/// Returns a complete reply with this body.
 std::string reply(std::string_view body);
+
+/// Returns a script that answers with success and this "result".
+ScriptedPeer::Script answerResult(std::string_view result);
 
 } // namespace fernlow::test
