@@ -24,8 +24,9 @@ Json issueAt(Position position, char bracket, const std::string& problem) {
 }
 
 /// Returns the end of the string literal or comment that begins at `start`, or `start` if none
-/// begins there. A quote that is not closed on its line is an apostrophe.
-std::size_t endOfQuoted(std::string_view text, std::size_t start) {
+/// begins there. A quote that is not closed on its line is an apostrophe; `unclosedUntil` is then
+/// the place up to which the quote is known to be unclosed.
+std::size_t endOfQuoted(std::string_view text, std::size_t start, std::size_t& unclosedUntil) {
     const auto endAfter = [&](std::string_view closing, std::size_t from) {
         const auto end = text.find(closing, from);
         return end == std::string::npos ? text.size() : end + closing.size();
@@ -40,15 +41,14 @@ std::size_t endOfQuoted(std::string_view text, std::size_t start) {
     if (text[start] != '"' && text[start] != '\'' && text[start] != '`') {
         return start;
     }
-    for (std::size_t at = start + 1; at < text.size(); ++at) {
+    std::size_t at = start + 1;
+    for (; at < text.size() && (text[at] != '\n' || text[start] == '`'); ++at) {
         if (text[at] == text[start]) {
             return at + 1;
         }
-        if (text[at] == '\n' && text[start] != '`') {
-            break;
-        }
         at += text[at] == '\\' ? 1 : 0;
     }
+    unclosedUntil = at;
     return start;
 }
 
@@ -61,9 +61,14 @@ Json bracketIssues(const std::string& text) {
     std::vector<std::pair<char, Position>> open;
     Position position;
     std::size_t quotedUntil = 0;
+    // For each kind of quote. Searching for the same closing quote again and again would take
+    // minutes in a long line.
+    std::map<char, std::size_t> unclosedUntil;
     for (std::size_t at = 0; at < text.size(); ++at) {
         const char character = text[at];
-        quotedUntil = at < quotedUntil ? quotedUntil : endOfQuoted(text, at);
+        if (at >= quotedUntil && at >= unclosedUntil[character]) {
+            quotedUntil = endOfQuoted(text, at, unclosedUntil[character]);
+        }
         const auto kind = at < quotedUntil ? std::string::npos : closing.find(character);
         if (at >= quotedUntil && opening.find(character) != std::string::npos) {
             open.emplace_back(character, position);

@@ -106,12 +106,14 @@ std::vector<fs::path> indexedPaths(const Project& project, bool includeFolders) 
 
 std::vector<Import> importsOf(const fs::path& file) {
     static const std::string keyword = "@import ";
+    constexpr std::size_t maxImports = 1000;
     if (languageOf(file).empty()) {
         return {};
     }
     std::vector<Import> imports;
     const std::string text = textOf(file);
-    for (auto at = text.find(keyword); at != std::string::npos; at = text.find(keyword, at)) {
+    for (auto at = text.find(keyword); at != std::string::npos && imports.size() < maxImports;
+         at = text.find(keyword, at)) {
         at += keyword.size();
         const char quote = at < text.size() ? text[at] : '\0';
         if (quote != '"' && quote != '\'') {
