@@ -18,9 +18,6 @@ namespace {
 using Candidates = std::vector<Candidate>;
 using Rows = json::List<json::Object>;
 
-/// In bytes: larger than any real list, and parsed within a few hundredths of a second.
-constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
-
 /// Describes a row of a collection for a person.
 std::string describeRow(std::string_view kind, const json::Object& row) {
     std::string description(kind);
@@ -49,8 +46,8 @@ std::string describeSetting(const json::Object& row) {
     if (minimum && maximum) {
         description += " from " + scalarText(*minimum) + " to " + scalarText(*maximum);
     }
-    const auto defaultValue = row.find("default");
-    const std::string text = defaultValue ? scalarText(*defaultValue) : "";
+    const auto value = row.find("default");
+    const std::string text = value ? scalarText(*value) : "";
     return text.empty() ? description : description + ", " + text + " by default";
 }
 
@@ -214,6 +211,8 @@ private:
 
     /// Returns the "result" of the reply; a request with a body is a POST.
     std::optional<json::Value> ask(std::string_view path, std::string_view body) {
+        // Larger than any real list, and parsed within a few hundredths of a second.
+        constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
         document_.reset();
         try {
             const Connection connection(socketPath(), context_.deadline);
