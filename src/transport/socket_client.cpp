@@ -54,11 +54,13 @@ void launchApplication(const std::string& socketPath, const ExchangeSettings& se
 
 AgentReply AgentSocketClient::exchange(const std::string& socketPath, bool launchIfNeeded,
                                        const AgentRequest& request) const {
+    if (!launchIfNeeded) {
+        return attempt(socketPath, request, settings_.minReplyTimeout);
+    }
     try {
         return attempt(socketPath, request, settings_.minReplyTimeout);
     } catch (const AgentSocketClientError& error) {
-        if (!launchIfNeeded ||
-            !std::holds_alternative<AgentSocketClientError::notRunning>(error.kind())) {
+        if (!std::holds_alternative<AgentSocketClientError::notRunning>(error.kind())) {
             throw;
         }
     }
