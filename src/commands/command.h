@@ -49,7 +49,7 @@ struct Command {
     std::span<const Option* const> required{};
     std::span<const Option* const> options{};
     /// In the row of a command alone: the options that may stand before a subcommand. They are
-    /// taken first, in this order. A subcommand ignores those of them that its own row leaves out.
+    /// taken first, in this order. A subcommand ignores options that its own row leaves out.
     std::span<const Option* const> beforeSubcommand{};
     /// Other words for the command.
     std::span<const std::string_view> aliases{};
