@@ -41,7 +41,7 @@ public:
     /// throw, on a separate thread for one request at a time. Throws std::runtime_error if the
     /// server cannot start.
     HttpServer(int listeningDescriptor, Handler handler);
-    /// Answers the pending requests with status 503, closes all connections and the descriptor.
+    /// Closes all connections, even if their replies are pending, and the descriptor.
     ~HttpServer();
     /// Calls `work` while no request is being handled, then sends the replies that are ready.
     void advance(const std::function<void()>& work);
