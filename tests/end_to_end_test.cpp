@@ -1,5 +1,6 @@
 // Runs the built program against the stand-in application.
 #include "support/command_line.h"
+#include "support/paths.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
 #include "transport/socket_client.h"
@@ -161,7 +162,8 @@ TEST_F(EndToEnd, BuildFollowsNoLinkOutOfTheProject) {
 }
 
 TEST_F(EndToEnd, StandInRefusesDeepNesting) {
-    for (const auto& [depth, status] : {std::pair(1022, 422), {1023, 400}, {100'000, 400}}) {
+    for (const auto& [depth, status] :
+         {std::pair(std::size_t{1022}, 422), {1023, 400}, {100'000, 400}}) {
         const std::string body = R"({"literals":{},"values":{"browserTargets":)" +
                                  std::string(depth, '[') + std::string(depth, ']') + "}}";
         const AgentRequest request{"POST", "/v1/defaults/set", body};

@@ -2,6 +2,7 @@
 #include "commands/command_table.h"
 #include "commands/global_options.h"
 #include "support/command_line.h"
+#include "support/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -137,7 +138,7 @@ TEST(ManualPage, HasNoMandocWarnings) {
     if (std::system("command -v mandoc >/dev/null") != 0) {
         GTEST_SKIP() << "mandoc is not installed";
     }
-    EXPECT_EQ(std::system("mandoc -T lint -W warning '" FERNLOW_ROOT "/docs/fernlow.1'"), 0);
+    EXPECT_EQ(std::system("mandoc -T lint -W warning " FERNLOW_QUOTED_ROOT "/docs/fernlow.1"), 0);
 }
 
 } // namespace fernlow::test

@@ -1,5 +1,6 @@
 // Runs the commands and recipes of the pages against the stand-in, and compares what the pages show
 // with what is printed.
+#include "support/paths.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
 

@@ -1,5 +1,6 @@
 // Completion in the real shells, under a pseudo-terminal: the test types a line, Tab and Return,
 // and a program in fernlow's place prints the words that it gets.
+#include "support/paths.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
 #include "support/temporary_folder.h"

@@ -1,85 +1,139 @@
-# What the scripts have in common; each sources it first.
+# Functions that the scripts share. Each script sources this file first.
 #
-# An exported CDPATH would send a script's cd elsewhere.
+# cd follows an exported CDPATH, and would change to another folder.
 unset CDPATH
 
-# Who speaks, in every message.
+# The start of every message.
 script=scripts/${0##*/}
 
-# fail MESSAGE [STATUS]
+# fail MESSAGE [STATUS]: prints the message and ends the script.
 fail() {
     echo "$script: $1" >&2
     exit "${2:-1}"
 }
 
-# quietly WHAT COMMAND...: shows what the command says only if it fails; it stands in $said after.
+# The clone's folder. Command substitution removes line breaks from the end, so a slash protects them.
+clone=$(cd -P -- "${BASH_SOURCE[0]%/*}/../.." && printf '%s/' "$PWD") || fail 'the clone cannot be entered.'
+clone=${clone%/}
+# CMake or Ninja cannot build below these paths. Without this test the build fails with messages that do
+# not mention the path.
+case $clone in
+*[]\"\;\\\|[]* | *$'\n'* | *\$*\{* | *\$\<*)
+    fail "CMake cannot build in a folder with this path; rename it: $(printf %q "$clone")"
+    ;;
+esac
+
+# quietly NAME COMMAND...: runs the command, and prints its output only if it fails. The output is also
+# in $output afterwards.
 quietly() {
-    local what=$1 mode=$- status
+    local name=$1 mode=$- status
     shift
-    # Not as a condition, which would let a function go on after a fault; and not in a file: the disk
-    # may be full.
+    # Inside a condition, "set -e" has no effect: a function would continue after a failed command. The
+    # output is not written to a file, because the disk may be full.
     set +e
-    said=$(set -e; "$@" 2>&1)
+    output=$(set -e; "$@" 2>&1)
     status=$?
     [[ $mode != *e* ]] || set -e
     [ "$status" = 0 ] || {
-        printf '%s\n' "$said" | tail -n 60 >&2
-        fail "$what failed; the lines above say why."
+        printf '%s\n' "$output" | tail -n 60 >&2
+        fail "$name failed; the lines above say why."
     }
 }
 
-# at_the_end COMMAND: has it run however the script ends, with the terminal that is closed too.
+# at_the_end COMMAND: runs the command when the script ends, also when a signal ends it. Further signals
+# do not interrupt the command.
 at_the_end() {
-    # shellcheck disable=SC2064 # it is this command, not a later one of that name
-    trap "$1" EXIT
+    # shellcheck disable=SC2064 # $1 is expanded now, because it is another word later
+    trap "trap '' HUP INT TERM; $1" EXIT
     trap 'exit 129' HUP
     trap 'exit 130' INT
     trap 'exit 143' TERM
 }
 
-# llvm_tool NAME: that of LLVM's programs; where several versions are installed, they are in the names.
+# temporary MKTEMP-ARGUMENT...: creates a temporary file or folder and prints its path. Call it as
+# name=$(temporary ...), after at_the_end: a signal that arrives meanwhile waits for the assignment, so
+# the command of at_the_end always knows the path.
+temporary() {
+    trap '' HUP INT TERM
+    mktemp "$@"
+}
+
+# llvm_tool NAME: prints the name of LLVM's program llvm-NAME. If several versions are installed, it is
+# the newest one.
 llvm_tool() {
     { compgen -c "llvm-$1" || true; } | sed -nE "/^llvm-$1(-[0-9]+)?$/p" | sort -V | tail -n 1
 }
 
-# begin_build, end_build: around what configures or builds in build/, which bears one at a time. The
-# lock is a link that says who holds it, so that one whose holder was killed is seen for what it is.
-build_lock=
-begin_build() {
-    local lock=$PWD/build/lock holder said_so= tries=0
-    mkdir -p build
-    until ln -s "$$ ($script)" "$lock" 2>/dev/null; do
-        # That build/ can't be written, whatever builds there says better.
-        [ -w build ] || return 0
-        holder=$(readlink "$lock") || {
-            # Gone by now; or the link can't be made.
-            [ $((tries += 1)) -lt 20 ] || fail "$lock can't be made."
-            continue
-        }
-        if [ ! -d "/proc/${holder%% *}" ] && ! ps -p "${holder%% *}" >/dev/null 2>&1; then
-            # Who comes second moves nothing, or what another has put there: then that goes back.
-            ! mv "$lock" "$lock.$$" 2>/dev/null || [ "$(readlink "$lock.$$")" = "$holder" ] ||
-                mv "$lock.$$" "$lock"
-            rm -f "$lock.$$"
-            continue
-        fi
-        [ -n "$said_so" ] || echo "$script: waiting for process $holder, which is building here." >&2
-        said_so=yes
-        sleep 0.5
-    done
-    build_lock=$lock
-}
-end_build() {
-    [ -z "$build_lock" ] || rm -f "$build_lock"
-    build_lock=
+# find_homebrew_llvm: adds Homebrew's LLVM to the path on macOS, because Homebrew does not, and Apple's
+# Clang has neither libFuzzer nor clang-tidy.
+find_homebrew_llvm() {
+    if [ "$(uname)" = Darwin ] && command -v brew >/dev/null; then
+        PATH=$(brew --prefix --installed llvm@19 2>/dev/null || brew --prefix llvm)/bin:$PATH
+    fi
 }
 
-# The rest is for the checks that try things in a bare root of a Debian release, with mounts in a
-# namespace of their own, so that none can be left behind. They work in the folder $work.
+# begin_build, end_build: enclose the commands that configure or build in build/, because only one script
+# may do so at a time. The current folder is the clone's.
+build_link=
+begin_build() {
+    mkdir -p build || fail "$PWD/build cannot be created."
+    if command -v flock >/dev/null; then
+        # The lock belongs to descriptor 8, not to a file, so a killed script leaves no lock behind.
+        { exec 8<build; } 2>/dev/null || return 0
+        flock -n 8 || {
+            echo "$script: waiting for another build in $PWD." >&2
+            flock 8
+        }
+    else
+        lock_by_link
+    fi
+}
+end_build() {
+    exec 8<&-
+    [ -z "$build_link" ] || rm -f "$build_link"
+    build_link=
+}
+
+# start_time PROCESS-ID: prints when the process started, or nothing if there is no such process.
+start_time() {
+    [[ $1 =~ ^[0-9]+$ ]] || return 0
+    LC_ALL=C TZ=UTC ps -o lstart= -p "$1" 2>/dev/null || true
+}
+
+# lock_by_link: locks build/ on systems without flock (macOS), by the link build/lock. It names a process
+# and its start time, because another process may have the id of a killed one.
+lock_by_link() {
+    local link=$PWD/build/lock holder started is_reported='' tries=0
+    until ln -sn "$$ $(start_time $$)" "$link" 2>/dev/null; do
+        # The build itself reports best that build/ cannot be written.
+        [ -w build ] || return 0
+        holder=$(readlink "$link") || {
+            # The link was removed in the meantime, or it cannot be created.
+            [ $((tries += 1)) -lt 20 ] || fail "$link cannot be created."
+            continue
+        }
+        started=$(start_time "${holder%% *}")
+        if [ -z "$started" ] || [ "$holder" != "${holder%% *} $started" ]; then
+            # Another script may have replaced the stale link by its own, which is then restored.
+            ! mv "$link" "$link.$$" 2>/dev/null || [ "$(readlink "$link.$$")" = "$holder" ] ||
+                mv "$link.$$" "$link"
+            rm -f "$link.$$"
+            continue
+        fi
+        [ -n "$is_reported" ] ||
+            echo "$script: waiting for process ${holder%% *}, which is building in $PWD." >&2
+        is_reported=yes
+        sleep 0.5
+    done
+    build_link=$link
+}
+
+# The functions below are for the checks that try things in a bare root of a Debian release. The mounts
+# are in a namespace of their own, so none can be left behind. The checks work in the folder $work.
 child=
-# in_namespace COMMAND...: in a bash of its own, which knows the functions and variables exported here.
+# in_namespace COMMAND...: runs the command in a bash that has the functions and variables exported here.
 in_namespace() {
-    # What make_bare_root is not to be in.
+    # make_bare_root refuses to work in this namespace.
     outside=$(readlink /proc/self/ns/mnt) || fail 'it needs Linux, and /proc'
     export outside script work
     export -f fail quietly make_bare_root
@@ -91,9 +145,10 @@ in_namespace() {
     return "$status"
 }
 
-# Ends everything in the namespace, and so its mounts; then removes $work. What was in there may
-# still be ending, and writing.
+# remove_work: ends every process in the namespace, which ends its mounts, then removes $work. It tries
+# several times, because those processes may still be writing while they end.
 remove_work() {
+    [ -n "$work" ] || return 0
     [ -z "$child" ] || kill -KILL "$child" 2>/dev/null || true
     [ -z "$child" ] || wait "$child" 2>/dev/null || true
     for _ in 1 2 3 4 5 6 7 8 9; do
@@ -103,36 +158,36 @@ remove_work() {
     rm -rf --one-file-system "$work"
 }
 
-# make_bare_root SUITE FOLDER [PACKAGE,...]: needs root. The machine's /dev stays mounted in it, where
-# removing the folder would empty it, so it is for in_namespace alone. Packages come from the archive
-# that this machine's apt uses.
+# make_bare_root SUITE FOLDER [PACKAGE,...]: installs a minimal Debian. It needs root, and works inside
+# in_namespace only: the machine's /dev stays mounted in the folder, and removing the folder would empty
+# /dev. Packages come from the archive that this machine's apt uses.
 make_bare_root() {
-    local suite=$1 root=$2 here mirror proxy=
+    local suite=$1 folder=$2 here mirror proxy=
     here=$(readlink /proc/self/ns/mnt)
     [[ ${outside-} == mnt:* && $outside != "$here" ]] ||
-        fail "a bare root is for mounts of its own; in the machine's it would be dangerous"
-    # The words with "$" are apt's.
+        fail "a bare root needs mounts of its own; among the machine's it would be dangerous"
+    # apt-get, not the shell, expands the words with "$".
     # shellcheck disable=SC2016
     mirror=$(apt-get indextargets --format '$(ORIGIN) $(COMPONENT) $(REPO_URI)' \
         'Created-By: Packages' | sed -n 's/^Debian main //p') ||
         fail 'apt-get could not say which archive it uses'
     mirror=${mirror%%$'\n'*}
-    [ -n "$mirror" ] || fail "this machine's apt knows no archive of Debian's"
+    [ -n "$mirror" ] || fail "this machine's apt knows no archive of Debian"
     eval "$(apt-config shell proxy Acquire::http::Proxy)"
     [ -z "$proxy" ] || export http_proxy=$proxy
-    # Each says so itself, because whoever asks may be a condition.
-    debootstrap --variant=minbase ${3:+"--include=$3"} "$suite" "$root" "$mirror" || return
+    # Each command below ends the function itself, because "set -e" has no effect in a condition.
+    debootstrap --variant=minbase ${3:+"--include=$3"} "$suite" "$folder" "$mirror" || return
 
-    # How this machine reaches the archive.
+    # The settings by which this machine reaches the archive.
     apt-config dump | grep -E '^Acquire::(https?|Retries|Check)' \
-        >"$root/etc/apt/apt.conf.d/90-host" || true
-    [ ! -e /etc/resolv.conf ] || cp -L /etc/resolv.conf "$root/etc/"
-    mount -t proc proc "$root/proc" || return
-    mount --rbind /dev "$root/dev" || return
-    if [ -e "$root/usr/sbin/update-ca-certificates" ]; then
+        >"$folder/etc/apt/apt.conf.d/90-host" || true
+    [ ! -e /etc/resolv.conf ] || cp -L /etc/resolv.conf "$folder/etc/"
+    mount -t proc proc "$folder/proc" || return
+    mount --rbind /dev "$folder/dev" || return
+    if [ -e "$folder/usr/sbin/update-ca-certificates" ]; then
         [ ! -d /usr/local/share/ca-certificates ] ||
-            cp -r /usr/local/share/ca-certificates/. "$root/usr/local/share/ca-certificates/"
-        chroot "$root" update-ca-certificates || return
+            cp -r /usr/local/share/ca-certificates/. "$folder/usr/local/share/ca-certificates/"
+        chroot "$folder" update-ca-certificates || return
     fi
-    chroot "$root" apt-get clean
+    chroot "$folder" apt-get clean
 }
