@@ -79,7 +79,7 @@ TEST(HostilePeer, IsGivenUpWhenItStalls) {
             stall(connection);
             connection.waitUntilGone();
         }});
-        // No other command accepts a negative timeout.
+        // Only "files skip" accepts a negative timeout, which shortTimeout needs.
         EXPECT_EQ(runAgainst(peer, "files skip --timeout -100 " + path, shortTimeout), expected);
     }
 }
@@ -158,6 +158,7 @@ TEST(HostilePeer, LeavesNoDescriptorOpen) {
         EXPECT_EQ(runAgainst(peer, "status"), malformed);
         EXPECT_EQ(runAgainst(peer, "status"), afterReset);
         EXPECT_EQ(runAgainst(peer, "process " + longPath), writeFailed);
+        // Waits until the socket is closed.
         peer.requests();
         EXPECT_EQ(runAgainst(peer, "status"), notRunning);
     }

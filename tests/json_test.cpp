@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// One replacement character, and several in a row.
+// One, three and eight replacement characters.
 #define R1 "\uFFFD"
 #define R3 R1 R1 R1
 #define R8 R3 R3 R1 R1
@@ -49,12 +49,12 @@ TEST(Utf8, ReplacesMaximalSubparts) {
         {"\xf0\x9f\xc3\xa9", R1 "\u00e9"},
         {"\xf0\x9f\x98\x80\x80", "\U0001F600" R1},
     };
-    // At many offsets, because the product checks several bytes at a time.
+    // Each text is tested at many offsets, because the product checks several bytes at a time.
     for (const Case& row : cases) {
         for (std::size_t offset = 0; offset < 40; ++offset) {
-            for (const std::size_t rest : {0U, 1U, 40U}) {
+            for (const std::size_t padding : {0U, 1U, 40U}) {
                 const std::string before(offset, 'x');
-                const std::string after(rest, 'y');
+                const std::string after(padding, 'y');
                 const std::string text = before + std::string(row.text) + after;
                 const std::string expected = before + std::string(row.replaced) + after;
                 ASSERT_EQ(utf8::replaceIllFormed(text).view(), expected) << offset;

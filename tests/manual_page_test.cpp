@@ -17,27 +17,31 @@ namespace fernlow::test {
 
 namespace {
 
-/// The texts of the page by entry. For a command, "files set" is the synopsis, "files set:" the
-/// description, and "files set --action" an option's entry. Entries that several commands share,
-/// such as "shared --limit", begin with "shared". "" is the whole page.
+/// The texts of the page by entry. "files set" is the synopsis of a command, "files set:" its
+/// description, and "files set --action" the description of its option. The description of an
+/// option of several commands is "shared --limit". The entry "" is the whole page.
 using Entries = std::map<std::string, std::string>;
 
 Entries entriesOfThePage() {
     Entries entries;
     std::ifstream file(FERNLOW_ROOT "/docs/fernlow.1");
-    std::string command, entry;
-    for (std::string line; std::getline(file, line); entries[""] += line + "\n") {
+    std::string command;
+    std::string entry;
+    for (std::string line; std::getline(file, line);) {
         line = std::regex_replace(line, std::regex(R"(\\-)"), "-");
         if (entries[""].ends_with("\n.It Xo\n")) {
-            entry = command = line.substr(4, line.find(" |") - 4);
+            command = line.substr(4, line.find(" |") - 4);
+            entry = command;
         } else if (line == ".Xc") {
             entry = command + ":";
         } else if (line.starts_with(".It Fl ")) {
             entry = command + " -" + line.substr(7, line.find(' ', 7) - 7);
         } else if (line.starts_with(".Sh ") || line.starts_with(".Ss ")) {
-            entry = command = "shared";
+            command = "shared";
+            entry = command;
         }
         entries[entry] += " " + line;
+        entries[""] += line + "\n";
     }
     return entries;
 }
@@ -54,12 +58,14 @@ void expectFacts(const std::string& text, const ValueDescription& value) {
             numbers.insert(std::to_string(*number));
         }
     }
-    EXPECT_TRUE(!isNumber || matches(text, R"(\b(\d+)\b)") == numbers);
+    if (isNumber) {
+        EXPECT_EQ(matches(text, R"(\b(\d+)\b)"), numbers);
+    }
     EXPECT_EQ(matches(text, R"(\.Cm (\w+))"), Words(value.choices.begin(), value.choices.end()));
     EXPECT_NE(text.find(value.defaultText), std::string::npos);
 }
 
-/// The synopsis of a command, as the page has to show it.
+/// Returns the synopsis of a command, which the page must contain.
 std::string synopsisOf(const Command& row) {
     std::string synopsis = " .Ic " + row.name();
     for (const auto alias : row.aliases) {
@@ -68,7 +74,14 @@ std::string synopsisOf(const Command& row) {
     for (const Option* const option : row.allOptions()) {
         const bool isRequired = std::count(row.required.begin(), row.required.end(), option) > 0;
         const std::string value(option->value.name);
-        synopsis += isRequired ? " .Fl " : option->opposite == nullptr ? " .Op Fl " : " | Fl ";
+        if (isRequired) {
+            synopsis += " .Fl ";
+        } else if (option->opposite == nullptr) {
+            synopsis += " .Op Fl ";
+        } else {
+            // The page shows the two options of a pair on one line.
+            synopsis += " | Fl ";
+        }
         synopsis += std::string(option->word.substr(1)) + (value.empty() ? "" : " Ar ") + value;
     }
     for (const Operand* const operand : row.operands) {

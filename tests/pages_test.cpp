@@ -1,5 +1,6 @@
-// Runs the commands and recipes of the pages against the stand-in, and compares what the pages show
-// with what is printed.
+// Runs the commands and recipes of the pages against the stand-in, and compares the output with the
+// output that the pages show.
+#include "support/command_line.h"
 #include "support/paths.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
@@ -18,17 +19,12 @@ namespace {
 
 const std::string agentsPage = "docs/for-agents.md";
 
-std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-        text.replace(at, from.size(), to);
-    }
-    return text;
-}
-
-/// A piece of a page: a fenced block with the language behind its fence, or text without language.
-/// In a block of Markdown, each group of indented lines is a block of the language "pasted".
+/// A part of a page: either a fenced block, with the language named after the opening fence, or the
+/// text between fenced blocks, with an empty language. In a fenced block of Markdown, each group of
+/// indented lines is a block of its own, with the language "pasted".
 struct Block {
-    std::string language, text;
+    std::string language;
+    std::string text;
 };
 
 std::vector<Block> blocksOf(const std::string& page) {
@@ -48,7 +44,8 @@ std::vector<Block> blocksOf(const std::string& page) {
     return blocks;
 }
 
-/// The block of the agents' page that begins so.
+/// Returns the first block of the page for agents that begins with `beginning`. Throws
+/// std::runtime_error if there is none.
 std::string blockBeginning(const std::string& beginning) {
     for (const Block& block : blocksOf(agentsPage)) {
         if (block.language != "" && block.text.starts_with(beginning)) {
@@ -58,13 +55,15 @@ std::string blockBeginning(const std::string& beginning) {
     throw std::runtime_error("no block begins with " + beginning);
 }
 
-/// The function that the agents' page gives to paste, without the call that follows it.
+/// Returns the definition of the shell function report() from the page for agents, without the call
+/// that follows it.
 std::string reportFunction() {
     const std::string lines = blockBeginning("report() {");
     return lines.substr(0, lines.find("}\nreport ") + 2);
 }
 
-/// Runs a script in a new folder, shown as /home/me, in which "fernlow" talks to a stand-in.
+/// Runs a script in a new folder. In the script and in its output, the folder is called /home/me.
+/// The command "fernlow" talks to a stand-in.
 Outcome runScript(const std::string& script, const std::string& shell = "sh",
                   bool inTerminal = false) {
     const TemporaryFolder folder;
@@ -84,11 +83,12 @@ Outcome runScript(const std::string& script, const std::string& shell = "sh",
     return outcome;
 }
 
-/// Runs the console blocks of a page in one shell, after `setUp`. Pages for people show the output
-/// in a terminal, pages for agents the output in a pipe.
+/// Runs the commands in the console blocks of a page in one shell, after the commands of `setUp`,
+/// and expects the output that the page shows. Pages for people show the output in a terminal;
+/// pages for agents show the output in a pipe.
 void expectShownOutput(const std::string& page, bool inTerminal, const std::string& setUp) {
     std::string script = "{\n" + setUp + "} >/dev/null\nexec 2>&1\n" + reportFunction() +
-                         "show() { was=$?; printf '%s\\n' \"$1\"; return $was; }\n";
+                         "show() { code=$?; printf '%s\\n' \"$1\"; return $code; }\n";
     std::string shown;
     for (const Block& block : blocksOf(page)) {
         std::istringstream lines(block.language == "console" ? block.text : "");
@@ -98,7 +98,7 @@ void expectShownOutput(const std::string& page, bool inTerminal, const std::stri
             }
         }
     }
-    // The pages have additional empty lines between commands.
+    // The pages have additional empty lines between commands, so empty lines are ignored.
     EXPECT_EQ(replaceAll(runScript(script, "sh", inTerminal).standardOutput, "\n\n", "\n"),
               replaceAll(shown, "\n\n", "\n"))
         << page;
@@ -144,7 +144,8 @@ TEST(AgentsPage, ReportPrintsEachErrorInOneHarmlessLine) {
     }
 }
 
-/// A project with an error, in a folder whose name has a blank, entered through a link.
+/// Adds a project with a syntax error. The name of its folder contains a space, and the current
+/// directory is a link to the folder.
 const std::string projectWithError = R"(mkdir -p 'a b/src'; ln -s 'a b' link; cd link
     echo '{' >src/app.scss
     fernlow add >../reply || exit
@@ -167,8 +168,9 @@ TEST(AgentsPage, ThePastedCommandsReportTheSameErrors) {
     EXPECT_EQ(runScript(script), (Outcome{report + report + report, "", 1}));
 }
 
-TEST(AgentsPage, NobodyWatchesASwitchOfBranches) {
-    // Notes each command and, for git, whether the project is on. "enable" is interrupted too.
+TEST(AgentsPage, TheProjectIsDisabledWhileGitSwitchesBranches) {
+    // Writes to "steps" the name of each fernlow command, and whether the project is enabled while
+    // git runs. Also interrupts "enable" while it runs.
     const std::string steps = R"(
         isOn() { command fernlow projects | jq '.result[0].isEnabled'; }
         fernlow() {
@@ -183,7 +185,7 @@ TEST(AgentsPage, NobodyWatchesASwitchOfBranches) {
                                  const std::string& message = "") {
         for (const char* const shell : {"sh", "bash", "zsh"}) {
             EXPECT_EQ(runScript(projectWithError + steps + before + "\n" + blockBeginning("(\n") +
-                                    "was=$?; isOn >>../steps; echo $(cat ../steps); exit $was",
+                                    "code=$?; isOn >>../steps; echo $(cat ../steps); exit $code",
                                 shell),
                       (Outcome{expected + "\n", message, status}))
                 << shell << before;
@@ -218,7 +220,7 @@ TEST(AgentsPage, TheLogIsFollowedAcrossARestart) {
               "1 error Syntax error in src/app.scss\n2 error Syntax error in src/app.scss\n");
 }
 
-/// Saves the recipes in the current folder.
+/// Returns a script that saves the recipes of the page for agents in the current folder.
 std::string saveRecipes() {
     std::string script = "cat >report.sh <<'END'\n" + reportFunction() + "END\n";
     for (const std::string name : {"ci.sh", "Makefile", "client.py"}) {

@@ -9,7 +9,8 @@ namespace fernlow {
 
 namespace {
 
-/// Spares short texts that are built piece by piece several reallocations.
+/// The smallest allocation, in bytes. A short text that is built piece by piece would otherwise be
+/// reallocated several times.
 constexpr std::size_t minCapacity = 1024;
 
 } // namespace
@@ -30,14 +31,14 @@ void ByteBuffer::append(std::string_view text) {
     if (text.empty()) {
         return;
     }
-    std::memcpy(room(text.size()), text.data(), text.size());
+    std::memcpy(prepare(text.size()), text.data(), text.size());
     commit(text.size());
 }
 
-char* ByteBuffer::room(std::size_t count) {
+char* ByteBuffer::prepare(std::size_t count) {
     if (capacity_ - end_ < count) {
-        // Twice the bytes that are needed now: the next request of the same size, such as the read
-        // that finds the end of a reply, does not grow the buffer again.
+        // Doubling leaves room for another call with the same size, such as the last read of a
+        // reply, which returns no bytes.
         const std::size_t capacity = std::max(minCapacity, 2 * (end_ + count));
         auto* grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
         if (grown == nullptr) {

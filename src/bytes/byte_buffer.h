@@ -27,9 +27,11 @@ public:
 
     void append(std::string_view text);
 
-    /// Returns at least `count` writable, uninitialised bytes that follow the last byte of the
-    /// buffer. commit() adds the bytes written there to the buffer.
-    [[nodiscard]] char* room(std::size_t count);
+    /// Returns a pointer to at least `count` writable, uninitialised bytes after the last byte of
+    /// the buffer. They join the buffer when commit() is called.
+    [[nodiscard]] char* prepare(std::size_t count);
+
+    /// Adds the first `count` of the bytes that prepare() returned to the buffer.
     void commit(std::size_t count) { end_ += count; }
 
     /// Removes the first `count` bytes; the buffer must hold as many.

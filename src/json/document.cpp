@@ -15,7 +15,8 @@ using detail::Kind;
 
 namespace {
 
-/// Reads a whole number, however it is written.
+/// Returns the value of a number literal, or nothing if it has a fractional part or does not fit.
+/// Accepts every spelling of a whole number, such as "1e2" and "5.0".
 template <class Number>
 std::optional<Number> readWhole(std::string_view literal) {
     const auto read = [](std::string_view digits) -> std::optional<Number> {

@@ -12,8 +12,8 @@ namespace fernlow::json::detail {
 
 enum class Kind : std::uint8_t { null, yes, no, number, text, unescapedText, list, object };
 
-/// One value or key. A node takes 8 bytes, because memory access dominates the time for a large
-/// reply.
+/// One value or key. Memory access dominates the time for a large reply, so a node takes only 8
+/// bytes.
 struct Node {
     Kind kind : 4;
     /// The length of a text or number in bytes.
@@ -28,8 +28,8 @@ static_assert(sizeof(Node) == 8);
 constexpr std::uint32_t maxSize = (1U << 28U) - 1;
 constexpr std::size_t maxDepth = 1024;
 
-/// The nodes of a document in document order: the nodes of its elements follow a container, and the
-/// node of its value follows a key.
+/// The nodes of a document in document order: a container is followed by the nodes of its elements,
+/// and a key by the nodes of its value.
 struct Tape {
     std::string_view source;
     /// The decoded texts that contain escapes. All other texts are read from the source.

@@ -3,9 +3,9 @@
 // with a thousand pointers that every run has to relocate before main.
 #include <cstddef>
 
-/// Always fails. The C++ library then prints the type's mangled name, and what() as usual. The
-/// signature is the one that the C++ ABI prescribes.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the C++ ABI prescribes the name too.
+/// Always fails. The C++ library then prints the mangled name of the exception's type, and still
+/// the text of its what(). The C++ ABI prescribes the name and the signature of this function.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the C++ ABI prescribes the name.
 extern "C" char* __cxa_demangle(const char* /*mangled*/, char* /*buffer*/, std::size_t* /*size*/,
                                 int* status) {
     if (status != nullptr) {

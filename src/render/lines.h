@@ -52,11 +52,12 @@ public:
     }
     void append(UpperCase shown) {
         checkSize(shown.text.size());
-        std::transform(
-            shown.text.begin(), shown.text.end(), text_.room(shown.text.size()), [](char letter) {
-                return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A')
-                                                      : letter;
-            });
+        std::transform(shown.text.begin(), shown.text.end(), text_.prepare(shown.text.size()),
+                       [](char letter) {
+                           return letter >= 'a' && letter <= 'z'
+                                      ? static_cast<char>(letter - 'a' + 'A')
+                                      : letter;
+                       });
         text_.commit(shown.text.size());
     }
     template <std::integral Integer>

@@ -172,9 +172,9 @@ void Connection::send(std::string_view bytes) const {
 ByteBuffer Connection::receive(std::size_t maxSize) const {
     ByteBuffer bytes;
     for (;;) {
-        char* const room = bytes.room(readSize);
+        char* const destination = bytes.prepare(readSize);
         const ssize_t count =
-            retryUntilReady(POLLIN, [&] { return ::read(socket_.get(), room, readSize); });
+            retryUntilReady(POLLIN, [&] { return ::read(socket_.get(), destination, readSize); });
         if (count < 0) {
             throw AgentSocketClientError(AgentSocketClientError::readFailed{});
         }

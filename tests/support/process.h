@@ -26,8 +26,8 @@ std::string program(const std::string& name);
 
 /// Calls runAgentCLI() in this process with the words of a line (see splitWords()), as if standard
 /// output were a terminal, and with files as the standard streams. If FERNLOW_PREFIX is set, runs
-/// that program instead, with another current directory and its own timeout; /usr/bin/open must
-/// then run the program that FERNLOW_OPEN names.
+/// the installed program instead. It uses another current directory and its own timeouts, and
+/// /usr/bin/open must run the program that FERNLOW_OPEN names.
 Outcome runLine(std::string_view line, ExchangeSettings settings = {});
 
 /// A run of the built program.

@@ -23,9 +23,9 @@ Json issueAt(Position position, char bracket, const std::string& problem) {
             {"reason", std::string("This \"") + bracket + "\" " + problem + "."}};
 }
 
-/// Returns the end of the string literal or comment that begins at `start`, or `start` if none
-/// begins there. A quote that is not closed on its line is an apostrophe; `unclosedUntil` is then
-/// the place up to which the quote is known to be unclosed.
+/// Returns the index after the string literal or comment that begins at `start`, or `start` if none
+/// begins there. A quote without a closing quote on its line is an apostrophe. In that case, sets
+/// `unclosedUntil` to the index up to which there is no closing quote.
 std::size_t endOfQuoted(std::string_view text, std::size_t start, std::size_t& unclosedUntil) {
     const auto endAfter = [&](std::string_view closing, std::size_t from) {
         const auto end = text.find(closing, from);
@@ -41,18 +41,21 @@ std::size_t endOfQuoted(std::string_view text, std::size_t start, std::size_t& u
     if (text[start] != '"' && text[start] != '\'' && text[start] != '`') {
         return start;
     }
-    std::size_t at = start + 1;
-    for (; at < text.size() && (text[at] != '\n' || text[start] == '`'); ++at) {
-        if (text[at] == text[start]) {
-            return at + 1;
+    const char quote = text[start];
+    std::size_t index = start + 1;
+    while (index < text.size() && (text[index] != '\n' || quote == '`')) {
+        if (text[index] == quote) {
+            return index + 1;
         }
-        at += text[at] == '\\' ? 1 : 0;
+        // A backslash escapes the next character.
+        index += text[index] == '\\' ? 2 : 1;
     }
-    unclosedUntil = at;
+    unclosedUntil = index;
     return start;
 }
 
-/// Returns the first brackets without a partner. Does not recognise regular expressions.
+/// Returns an issue for each of the first 100 unmatched brackets. Does not recognise regular
+/// expressions.
 Json bracketIssues(const std::string& text) {
     constexpr std::size_t maxIssues = 100;
     constexpr std::string_view opening = "{[(";
@@ -61,21 +64,21 @@ Json bracketIssues(const std::string& text) {
     std::vector<std::pair<char, Position>> open;
     Position position;
     std::size_t quotedUntil = 0;
-    // For each kind of quote. Searching for the same closing quote again and again would take
-    // minutes in a long line.
+    // The results of endOfQuoted(), by the quote character. Without them, a long line full of
+    // apostrophes would be searched again for each apostrophe, which would take minutes.
     std::map<char, std::size_t> unclosedUntil;
     for (std::size_t at = 0; at < text.size(); ++at) {
         const char character = text[at];
         if (at >= quotedUntil && at >= unclosedUntil[character]) {
             quotedUntil = endOfQuoted(text, at, unclosedUntil[character]);
         }
-        const auto kind = at < quotedUntil ? std::string::npos : closing.find(character);
+        const auto pair = at < quotedUntil ? std::string::npos : closing.find(character);
         if (at >= quotedUntil && opening.find(character) != std::string::npos) {
             open.emplace_back(character, position);
-        } else if (kind != std::string::npos && !open.empty() &&
-                   open.back().first == opening[kind]) {
+        } else if (pair != std::string::npos && !open.empty() &&
+                   open.back().first == opening[pair]) {
             open.pop_back();
-        } else if (kind != std::string::npos && issues.size() < maxIssues) {
+        } else if (pair != std::string::npos && issues.size() < maxIssues) {
             issues.push_back(issueAt(position, character, "closes nothing"));
         }
         if (character == '\n') {
@@ -86,11 +89,12 @@ Json bracketIssues(const std::string& text) {
         }
     }
     open.resize(std::min(open.size(), maxIssues));
-    for (const auto& [character, where] : open) {
-        issues.push_back(issueAt(where, character, "is never closed"));
+    for (const auto& [character, bracketPosition] : open) {
+        issues.push_back(issueAt(bracketPosition, character, "is never closed"));
     }
-    std::sort(issues.begin(), issues.end(), [](const Json& one, const Json& other) {
-        return std::tie(one["line"], one["column"]) < std::tie(other["line"], other["column"]);
+    std::sort(issues.begin(), issues.end(), [](const Json& first, const Json& second) {
+        return std::tie(first["line"], first["column"]) <
+               std::tie(second["line"], second["column"]);
     });
     issues.erase(issues.begin() + std::min(std::ssize(issues), std::ptrdiff_t{maxIssues}),
                  issues.end());
@@ -119,8 +123,8 @@ std::vector<fs::path> withImports(const fs::path& source) {
     return files;
 }
 
-/// Checks the brackets of `files` and logs any issues as an error of `source`. Returns whether
-/// there were none.
+/// Checks the brackets of `files` and logs any issues as an error of `source`. Returns true if
+/// there are no issues.
 bool checkBrackets(State& state, const Project& project, const fs::path& source,
                    const std::vector<fs::path>& files) {
     Json reports = Json::array();
@@ -222,7 +226,11 @@ Json workReport(const State& state, std::uint64_t since, const fs::path& project
         if (entry["severity"] == "success") {
             continue;
         }
-        ++(entry["severity"] == "error" ? errors : warnings);
+        if (entry["severity"] == "error") {
+            ++errors;
+        } else {
+            ++warnings;
+        }
         problems.push_back(entry);
     }
     return {{"compiledFileCount", compiled.size()},

@@ -61,13 +61,13 @@ void removeStaleSocket(const std::string& path, const sockaddr_un& address) {
     // Without this, connecting would wait for a process that has stopped accepting.
     fcntl(probe, F_SETFL, O_NONBLOCK);
     const int result = connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    const int reason = result == 0 ? EAGAIN : errno;
+    const int error = errno;
     close(probe);
-    if (reason == EAGAIN) {
+    if (result == 0 || error == EAGAIN) {
         throwInUse(path);
     }
-    errno = reason;
-    if (reason != ECONNREFUSED || unlink(path.c_str()) != 0) {
+    errno = error;
+    if (error != ECONNREFUSED || unlink(path.c_str()) != 0) {
         throwSystemError(path);
     }
 }
@@ -81,7 +81,7 @@ LockFile::LockFile(const std::string& socketPath) : path_(socketPath + ".lock") 
         if (descriptor_ < 0) {
             throwSystemError(path_);
         }
-        // Somebody's file of this name must not be removed at the end.
+        // The destructor removes the file, so refuse a file that is not a lock file.
         struct stat locked{};
         if (fstat(descriptor_, &locked) != 0 || !S_ISREG(locked.st_mode) || locked.st_size != 0) {
             throw std::runtime_error(path_ + " exists and is not a lock file.");
@@ -90,11 +90,14 @@ LockFile::LockFile(const std::string& socketPath) : path_(socketPath + ".lock") 
         wholeFile.l_type = F_WRLCK;
         wholeFile.l_whence = SEEK_SET;
         if (fcntl(descriptor_, F_SETLK, &wholeFile) != 0) {
-            errno == EACCES || errno == EAGAIN ? throwInUse(socketPath) : throwSystemError(path_);
+            if (errno == EACCES || errno == EAGAIN) {
+                throwInUse(socketPath);
+            }
+            throwSystemError(path_);
         }
         // The previous owner may have removed the file after this process opened it.
-        struct stat present{};
-        if (lstat(path_.c_str(), &present) == 0 && locked.st_ino == present.st_ino) {
+        struct stat current{};
+        if (lstat(path_.c_str(), &current) == 0 && locked.st_ino == current.st_ino) {
             return;
         }
         close(descriptor_);

@@ -12,8 +12,9 @@ namespace fernlow::standin {
 namespace {
 
 /// Returns a work report of the log entries after `since`, limited to `project` unless that is
-/// empty. The report is ready once no job for which `isRelevant` returns true has run for the
-/// request's settle time, or once the request's timeout is over.
+/// empty. Returns no report while one of the jobs for which `isRelevant` returns true exists, and
+/// for the request's settle time after it. When the request's timeout expires, returns the report
+/// anyway.
 PendingResult reportWhenQuiet(State& state, const Json& body, std::uint64_t since,
                               const fs::path& project,
                               const std::function<bool(const Job&)>& isRelevant) {
@@ -33,13 +34,13 @@ PendingResult reportWhenQuiet(State& state, const Json& body, std::uint64_t sinc
         Json report = workReport(state, since, project);
         report["requestedPaths"] = paths;
         report["timedOut"] = !isQuiet;
-        // Without this, converting a JSON value to an optional is ambiguous.
+        // Without std::in_place, the conversion from Json to an optional is ambiguous.
         return std::optional<Json>(std::in_place, std::move(report));
     };
 }
 
-/// Starts the jobs. The report is ready when they are done, or at once if the request does not
-/// wait.
+/// Starts the jobs. Their report is ready when the jobs are done, or at once if the request's
+/// "wait" is false.
 PendingResult startJobs(State& state, const Json& body, std::vector<Job> jobs) {
     const std::uint64_t request = ++state.lastRequest;
     for (Job& job : jobs) {
@@ -53,7 +54,8 @@ PendingResult startJobs(State& state, const Json& body, std::vector<Job> jobs) {
                            [=](const Job& job) { return isWaiting && job.request == request; });
 }
 
-/// Returns a step for each source. A step looks the project up, because it may have been removed.
+/// Returns a step for each source. Each step looks the project up again, because the project may be
+/// removed before the step runs.
 std::vector<std::function<void()>> compileSteps(State& state, const Project& project,
                                                 const std::vector<fs::path>& sources) {
     std::vector<std::function<void()>> steps;
@@ -98,8 +100,8 @@ PendingResult process(State& state, const Json& body) {
     return startJobs(state, body, std::move(jobs));
 }
 
-/// Removes a build folder, but leaves a link in its place: the build then reports the link instead
-/// of writing through it. remove_all() follows no links.
+/// Removes a build folder. Keeps it if it is a symbolic link, so that the build reports the link
+/// instead of writing through it. remove_all() follows no links.
 void removeBuildFolder(const fs::path& folder) {
     if (!fs::is_symlink(folder)) {
         fs::remove_all(folder);
