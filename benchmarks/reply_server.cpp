@@ -24,12 +24,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void fail(const std::string& what) {
-    std::perror(what.c_str());
+/// Prints the message and the error in errno.
+[[noreturn]] void fail(const std::string& message) {
+    std::perror(message.c_str());
     std::exit(1);
 }
 
-/// Returns a reply, head and body, with the file's content as its body.
+/// Returns a complete reply whose body is the content of the file.
 std::string replyOf(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     const std::string body{std::istreambuf_iterator<char>(stream), {}};
@@ -52,8 +53,8 @@ int listenAt(const std::string& path) {
     return listener;
 }
 
-/// Returns the length of a request from its complete head. Finds the length of the body only if the
-/// header's name is written as the clients of this benchmark write it.
+/// Returns the length of a request whose head is complete. Recognises the header for the length of
+/// the body only in the spelling of the clients of this benchmark.
 std::size_t requestLength(std::string_view request, std::size_t headEnd) {
     constexpr std::string_view name = "Content-Length: ";
     const std::size_t at = request.substr(0, headEnd).find(name);

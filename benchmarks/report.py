@@ -10,21 +10,22 @@ UP_TO_216_KB = ("work-report", "settings-schema", "files-500")
 
 @dataclass
 class Comparison:
-    """All that was measured."""
-    # By the name of a reply and of a command.
+    """All measurements."""
+    # The times of a command with a reply, by the name of the reply and then of the command.
     results: dict[str, dict[str, Measured]]
-    # The bytes of each reply.
+    # The size of each reply in bytes.
     sizes: dict[str, int]
-    # Runs without a reply: "nothing" (only the pseudo-terminal), "floor", "fernlow as typed".
+    # The times of runs without a reply, by name: "nothing" (only the pseudo-terminal), "floor" and
+    # "fernlow as typed".
     others: dict[str, Measured]
     # By the name of a run: page faults, instructions and system calls, each None if not counted.
     counted: dict[str, list]
-    # The bytes of each program's file, and the libraries it loads.
+    # By the name of a program: the size of its file in bytes, and the libraries that it loads.
     program_sizes: dict[str, int]
     libraries: dict[str, str]
-    # Whether fernlow is the released program, which a static floor is there for.
+    # Whether fernlow is the released program. Only then is there a static floor.
     is_released: bool
-    # Sentences about commands that printed something else than they should.
+    # A sentence about each command that printed an unexpected text.
     wrong: list[str]
 
 

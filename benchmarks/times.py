@@ -1,5 +1,6 @@
-"""Times of commands, and ratios of them."""
+"""Measures the times of commands, and calculates the ratios of their times."""
 import json
+import math
 import shlex
 import statistics
 import subprocess
@@ -18,7 +19,7 @@ class Measured:
 
     @property
     def times(self):
-        return [time for each in self.rounds for time in each]
+        return [time for times in self.rounds for time in times]
 
     @property
     def median(self):
@@ -39,11 +40,11 @@ class Ratio:
     high: float
 
     @classmethod
-    def of(cls, one, other):
-        each = [statistics.median(a) / statistics.median(b)
-                for a, b in zip(one.rounds, other.rounds)]
-        low, _, high = statistics.quantiles(each, n=4, method="inclusive")
-        return cls(one.median / other.median, low, high)
+    def of(cls, dividend, divisor):
+        by_round = [statistics.median(a) / statistics.median(b)
+                    for a, b in zip(dividend.rounds, divisor.rounds)]
+        low, _, high = statistics.quantiles(by_round, n=4, method="inclusive")
+        return cls(dividend.median / divisor.median, low, high)
 
     def __str__(self):
         if self.high - self.low > MAX_SPREAD * self.value:
@@ -58,19 +59,20 @@ def output_and_status(words):
 
 def measure(commands, runs, warmup, folder):
     """Measures the commands in turns: each round runs all of them, so that a slow period of the
-    machine affects all alike. Exits if a run ends with another status than a first try did."""
+    machine affects all alike. Exits if a run's status differs from the status of a first run."""
     statuses = {command: output_and_status(words)[1] for command, words in commands.items()}
     times = {command: [] for command in commands}
     rounds = min(ROUNDS, runs // 2)
     export = folder / "hyperfine.json"
-    for turn in range(rounds):
+    for index in range(rounds):
         subprocess.run(
             ["hyperfine", "-N", "--ignore-failure", "--style=none", "--output=pipe",
-             f"--warmup={warmup if turn == 0 else 2}", f"--runs={max(-(-runs // rounds), 2)}",
+             f"--warmup={warmup if index == 0 else 2}",
+             f"--runs={max(math.ceil(runs / rounds), 2)}",
              f"--export-json={export}", *map(shlex.join, commands.values())],
             check=True, stderr=subprocess.DEVNULL)
         for command, result in zip(commands, json.loads(export.read_text())["results"]):
             if set(result["exit_codes"]) != {statuses[command]}:
                 sys.exit(f"{command} ended with the statuses {set(result['exit_codes'])}")
             times[command].append([1000 * seconds for seconds in result["times"]])
-    return {command: Measured(each) for command, each in times.items()}
+    return {command: Measured(by_round) for command, by_round in times.items()}

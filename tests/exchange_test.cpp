@@ -153,14 +153,16 @@ TEST(Exchange, LosesNothingWhenStoppedAndContinued) {
         pause(connection);
         answerDone()(connection);
     };
-    std::string megabyte = "process";
+    std::string megabyteLine = "process";
     for (int count = 0; count < 10; ++count) {
-        megabyte += " /" + std::string(100000, 'x');
+        megabyteLine += " /" + std::string(100000, 'x');
     }
     const Outcome whole{"{\"ok\":true}\n", "", 0};
     ScriptedPeer peer({answerLate, readLate, pause, pause, answerDone()});
     EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "reading";
-    EXPECT_EQ(runProgramAgainst(peer, megabyte, stopAndContinue), whole) << "writing";
+    EXPECT_EQ(runProgramAgainst(peer, megabyteLine, stopAndContinue), whole) << "writing";
+    // The first connection pauses the peer, and the second fills its queue. So the program has to
+    // wait for its connection.
     const fernlow::Connection served(peer.path(), std::chrono::seconds(9));
     const fernlow::Connection queued(peer.path(), std::chrono::seconds(9));
     EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "connecting";
@@ -169,6 +171,7 @@ TEST(Exchange, LosesNothingWhenStoppedAndContinued) {
 TEST(Exchange, LimitsTheWaitWhileTheQueueIsFull) {
     const auto holdForTwoSeconds = [](Connection& connection) {
         for (int milliseconds = 0; milliseconds < 2000 && !connection.isGone(); ++milliseconds) {
+            // isGone() waits for a millisecond.
         }
     };
     ScriptedPeer peer({holdForTwoSeconds, holdForTwoSeconds, answerDone()});
@@ -180,7 +183,7 @@ TEST(Exchange, LimitsTheWaitWhileTheQueueIsFull) {
     expectNotRunning();
 #ifdef __linux__
     std::thread([&] {
-        // The limit itself is refused.
+        // The system refuses SO_SNDTIMEO, the limit for connect.
         refuseCall(SYS_setsockopt, SOL_SOCKET);
         expectNotRunning();
     }).join();

@@ -9,7 +9,6 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <csignal>
 #include <string>
@@ -111,9 +110,12 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
             ::poll(&waiting, 1, -1);
             interrupt();
             std::array<char, 65536> buffer{};
-            for (ssize_t count = 1; count > 0;) {
-                count = ::read(pipe[0], buffer.data(), buffer.size());
-                output.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+            for (;;) {
+                const ssize_t count = ::read(pipe[0], buffer.data(), buffer.size());
+                if (count <= 0) {
+                    break;
+                }
+                output.append(buffer.data(), static_cast<std::size_t>(count));
             }
         });
         EXPECT_EQ(runAgentCLI({"status", "--no-launch", "--socket", peer.path()},

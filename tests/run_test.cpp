@@ -58,7 +58,9 @@ TEST(Run, MakesControlCharactersVisibleInATerminal) {
     };
     for (const auto& [typed, shown] : cases) {
         ProgramRun run{{typed}};
-        EXPECT_EQ(runProgram(run).standardError.find(typed), 13U) << "unchanged in a pipe";
+        EXPECT_TRUE(
+            runProgram(run).standardError.starts_with("There is no \"" + std::string(typed)))
+            << "unchanged in a pipe";
         run.inTerminal = true;
         EXPECT_EQ(runProgram(run).standardOutput,
                   "There is no \"" + std::string(shown) +
@@ -98,10 +100,12 @@ TEST(Run, SaysWhenThereIsNotEnoughMemory) {
     const std::string unknown = "There is no \"" + words.front() +
                                 "\" command. Run \"fernlow --help\" to see what there is.\n";
     bool reported = false;
-    // With the smallest limit that allows a message, the C++ library may not get the 72 KB that it
-    // reserves for exceptions.
-    for (limit = rlim_t{4} << 20U; limit < rlim_t{24} << 20U;
-         limit += rlim_t{reported ? 512U : 64U} << 10U) {
+    // Raises the limit step by step. The steps are small until the message appears: with the lowest
+    // limits that allow the message, the C++ library may not get the 72 KB that it reserves for
+    // exceptions, and the status is then 3.
+    const rlim_t kilobyte = 1024;
+    for (limit = 4096 * kilobyte; limit < 24576 * kilobyte;
+         limit += (reported ? 512 : 64) * kilobyte) {
         const Outcome outcome = runProgram({words, "/", [] {
                                                 const rlimit both{limit, limit};
                                                 ::setrlimit(RLIMIT_AS, &both);
@@ -111,7 +115,8 @@ TEST(Run, SaysWhenThereIsNotEnoughMemory) {
             reported = true;
             continue;
         }
-        // With a smaller limit, the system cannot even load the program.
+        // Before the message appears, the limit is too low for the system to load the program.
+        // After the last message, the limit is high enough for the program to work.
         EXPECT_NE(outcome.status, -SIGABRT) << limit;
         EXPECT_EQ(reported, outcome == (Outcome{"", unknown, 2})) << limit << outcome;
     }

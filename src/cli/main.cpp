@@ -14,9 +14,10 @@ namespace {
 
 const std::terminate_handler defaultTerminate = std::get_terminate();
 
-/// A terminate handler. Throwing an exception takes memory. The C++ library reserves some when the
-/// program starts; if it could not, a throw ends here without an exception. A request may have been
-/// sent by then.
+/// Ends the program if an exception cannot be thrown because no memory is left for it. The C++
+/// library reserves memory for exceptions at start-up; if that failed, a throw calls this handler
+/// and there is no current exception. The status is `unreachableStatus`, because the request may
+/// already have been sent.
 void terminateWithoutMemory() {
     if (std::current_exception() != nullptr) {
         defaultTerminate();

@@ -56,8 +56,8 @@ private:
     std::uint32_t end_ = 0;
 };
 
-/// One value of a Document. It is valid as long as the Document and the text that was parsed. Each
-/// reader returns the value if it has the reader's JSON type, and nothing otherwise.
+/// One value of a Document. It is valid as long as both the Document and the parsed text exist.
+/// Each reader returns the value if it has the reader's JSON type, and nothing otherwise.
 class Value {
 public:
     [[nodiscard]] bool isNull() const;
@@ -72,8 +72,8 @@ public:
     /// Returns any number as it is written in the document.
     [[nodiscard]] std::optional<std::string_view> numberLiteral() const;
     [[nodiscard]] std::optional<Object> object() const;
-    /// These three accept a list if all its elements are objects, texts or numbers respectively.
-    /// All three accept an empty list.
+    /// Accepts an empty list, or a list of objects only. The next two functions accept an empty
+    /// list, or a list of texts or numbers only.
     [[nodiscard]] std::optional<List<Object>> objects() const;
     [[nodiscard]] std::optional<List<std::string_view>> texts() const;
     [[nodiscard]] std::optional<List<std::string_view>> numberLiterals() const;

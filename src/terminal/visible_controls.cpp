@@ -79,8 +79,8 @@ Token firstToken(std::string_view text) {
     case '\n':
         return {1, TokenKind::safe};
     case '\r':
-        // At the end of the text it is safe as well, because a line break is written after the
-        // text.
+        // A carriage return at the end of the text is safe too, because a line break is written
+        // after the text.
         return {1, text.size() > 1 && text[1] != '\n' ? TokenKind::unsafe : TokenKind::safe};
     case escape:
         return firstEscape(text);

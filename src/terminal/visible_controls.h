@@ -11,16 +11,15 @@ namespace fernlow {
 /// already.
 ///
 /// File names and compiler messages come from downloaded projects, and a terminal obeys every
-/// control sequence that it reads: one moves the cursor over earlier output, another writes to the
-/// clipboard. So each of these is replaced by one U+FFFD:
+/// control sequence that it reads. A control sequence can move the cursor over earlier output, or
+/// write to the clipboard. In the copy, one U+FFFD replaces each of the following:
 /// - a C0 control character, except the tab, the line break, and a carriage return before a line
 ///   break or at the end of the text;
 /// - DEL, or a C1 control character;
 /// - a control that changes the writing direction of the text after it (U+202A to U+202E, U+2066 to
 ///   U+2069). The marks U+200E, U+200F and U+061C stay, because they affect only their neighbours;
-/// - a sequence of bytes that is not valid UTF-8. An 8-bit terminal would read some of these bytes
-/// as
-///   C1.
+/// - a sequence of bytes that is not valid UTF-8. An 8-bit terminal would read some of these
+///   bytes as C1 control characters.
 ///
 /// Colour sequences (ESC "[", digits and ";", "m") stay. If a colour is still on at the end of the
 /// text, a reset is added.

@@ -71,8 +71,8 @@ int openSocket() {
     if (descriptor < 0 || descriptor > STDERR_FILENO) {
         return descriptor;
     }
-    // We were started with a standard stream closed, and the socket has taken its number. A message
-    // for the user would be written to the application.
+    // A standard stream was closed when the program started, so the socket got the stream's number.
+    // A message for the user would be written to the application.
     const int moved = ::fcntl(descriptor, F_DUPFD, STDERR_FILENO + 1);
     ::close(descriptor);
     return moved;
@@ -100,8 +100,8 @@ bool connectBefore(Clock::time_point deadline, int socket, const sockaddr_un& ad
     // Linux waits in connect while the listener's queue is full. poll cannot replace this wait,
     // because connect fails at once on a non-blocking socket.
     while (limitConnect(socket, remaining(deadline))) {
-        // The length is that of the whole structure, in which zero bytes follow the path. macOS
-        // ignores the length byte at its beginning.
+        // The address includes the zero bytes that follow the path. macOS ignores sun_len, the
+        // first byte of the structure.
         if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
             return true;
         }

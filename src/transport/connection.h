@@ -36,8 +36,8 @@ private:
 /// A connection to the program that listens on a Unix-domain socket. The timeout limits the wait
 /// for the connection, for each write and for each read.
 ///
-/// Stopping and continuing the process (Ctrl-Z and `fg`) fails none of them. The time goes on while
-/// the process is stopped, but data that has arrived by then is still read.
+/// Stopping and continuing the process (Ctrl-Z and `fg`) makes none of these waits fail. A timeout
+/// may expire while the process is stopped, but data that has arrived by then is still read.
 class Connection {
 public:
     /// Connects to the socket at a path, which is used unchanged. Throws AgentSocketClientError

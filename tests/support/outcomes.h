@@ -33,17 +33,18 @@ inline ScriptedPeer::Script answerDone() {
     return answer(reply(R"({"ok":true})"));
 }
 
-/// For a command line with a negative timeout. Without it, a peer that does not answer would delay
-/// the run for 5 seconds.
+/// Settings for a command line with a negative timeout. With the default settings, the program
+/// would wait 5 seconds for a peer that does not answer.
 inline const ExchangeSettings shortTimeout{.minReplyTimeout = std::chrono::milliseconds(100)};
 
-/// Runs a command line in this process against a peer that is listening.
+/// Runs a command line in this process against the peer.
 inline Outcome runAgainst(const ScriptedPeer& peer, const std::string& line,
                           const ExchangeSettings& settings = {}) {
     return runLine("--no-launch --socket " + peer.path() + " " + line, settings);
 }
 
-/// Runs a command line with the built program. See ProgramRun for `prepare` and `inTerminal`.
+/// Runs a command line with the built program against the peer. ProgramRun describes `prepare` and
+/// `inTerminal`.
 inline Outcome runProgramAgainst(const ScriptedPeer& peer, const std::string& line,
                                  std::function<void()> prepare = {}, bool inTerminal = false) {
     return runProgram({splitWords("--no-launch --socket " + peer.path() + " " + line), "/",

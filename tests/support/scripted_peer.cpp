@@ -21,20 +21,27 @@ namespace {
 /// Returns whether the request has its head and its whole body.
 bool isComplete(const std::string& request) {
     constexpr std::string_view lengthHeader = "Content-Length: ";
-    const std::size_t headEnd = request.find("\r\n\r\n");
-    const std::size_t length = request.find(lengthHeader);
-    return headEnd != std::string::npos && length != std::string::npos &&
-           request.size() - headEnd - 4 >=
-               std::strtoul(request.c_str() + length + lengthHeader.size(), nullptr, 10);
+    constexpr std::string_view headEnd = "\r\n\r\n";
+    const std::size_t headSize = request.find(headEnd);
+    const std::size_t header = request.find(lengthHeader);
+    if (headSize == std::string::npos || header == std::string::npos) {
+        return false;
+    }
+    const std::size_t bodySize =
+        std::strtoul(request.c_str() + header + lengthHeader.size(), nullptr, 10);
+    return request.size() >= headSize + headEnd.size() + bodySize;
 }
 
 } // namespace
 
 const std::string& ScriptedPeer::Connection::readRequest() {
     std::array<char, 65536> buffer{};
-    for (ssize_t count = 1; count > 0 && !isComplete(request_);) {
-        count = ::read(socket_, buffer.data(), buffer.size());
-        request_.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    while (!isComplete(request_)) {
+        const ssize_t count = ::read(socket_, buffer.data(), buffer.size());
+        if (count <= 0) {
+            break;
+        }
+        request_.append(buffer.data(), static_cast<std::size_t>(count));
     }
     return request_;
 }
@@ -55,12 +62,14 @@ void ScriptedPeer::Connection::awaitFirstByte() const {
 }
 
 bool ScriptedPeer::Connection::isGone() const {
+    constexpr int milliseconds = 1;
     pollfd hangUp{socket_, 0, 0};
-    return ::poll(&hangUp, 1, 1) == 1 && (hangUp.revents & POLLHUP) != 0;
+    return ::poll(&hangUp, 1, milliseconds) == 1 && (hangUp.revents & POLLHUP) != 0;
 }
 
 void ScriptedPeer::Connection::waitUntilGone() const {
     while (!isGone()) {
+        // isGone() waits.
     }
 }
 
@@ -83,14 +92,16 @@ ScriptedPeer::ScriptedPeer(std::vector<Script> scripts) : scripts_(std::move(scr
 
 void ScriptedPeer::serve(int listener) {
     for (const Script& script : scripts_) {
+        constexpr int milliseconds = 5;
         pollfd waiting{listener, POLLIN, 0};
-        while (!stopping_ && ::poll(&waiting, 1, 5) != 1) {
+        while (!stopping_ && ::poll(&waiting, 1, milliseconds) != 1) {
+            // poll() waits.
         }
         if (stopping_) {
             break;
         }
         const int socket = ::accept(listener, nullptr, nullptr);
-        // macOS refuses if the client has closed the connection already.
+        // This fails on macOS if the client has closed the connection already.
         static_cast<void>(platform::prepareSocket(socket));
         Connection connection(socket);
         script(connection);

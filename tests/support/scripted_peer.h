@@ -30,6 +30,7 @@ public:
         void awaitFirstByte() const;
         /// Waits until the client has closed its side, without reading.
         void waitUntilGone() const;
+        /// Returns whether the client has closed its side. Waits up to one millisecond for it.
         [[nodiscard]] bool isGone() const;
 
     private:

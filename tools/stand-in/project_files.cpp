@@ -30,6 +30,7 @@ const FileKind* kindOf(const fs::path& file) {
     return found == kinds.end() ? nullptr : &*found;
 }
 
+/// Returns a setting that the user chose for one file, or an empty text.
 std::string choiceFor(const Project& project, const fs::path& file, const char* member) {
     const auto choice = project.fileChoices.find(file);
     return choice == project.fileChoices.end() ? "" : choice->second.value(member, "");
@@ -40,6 +41,8 @@ std::string stemWithoutUnderscore(const fs::path& file) {
     return stem.starts_with('_') ? stem.substr(1) : stem;
 }
 
+/// Returns the file that an import of `name` means: a file in the folder of the name, either with
+/// exactly this name, or with the importer's extension and perhaps an underscore at its beginning.
 std::optional<fs::path> resolveImport(const fs::path& importer, const std::string& name) {
     const fs::path target = (importer.parent_path() / name).lexically_normal();
     std::error_code noSuchFolder;
@@ -112,18 +115,19 @@ std::vector<Import> importsOf(const fs::path& file) {
     }
     std::vector<Import> imports;
     const std::string text = textOf(file);
-    for (auto at = text.find(keyword); at != std::string::npos && imports.size() < maxImports;
-         at = text.find(keyword, at)) {
-        at += keyword.size();
-        const char quote = at < text.size() ? text[at] : '\0';
+    std::size_t start = text.find(keyword);
+    for (; start != std::string::npos && imports.size() < maxImports;
+         start = text.find(keyword, start)) {
+        start += keyword.size();
+        const char quote = start < text.size() ? text[start] : '\0';
         if (quote != '"' && quote != '\'') {
             continue;
         }
-        const auto end = text.find_first_of({quote, '\n', '\0'}, at + 1);
+        const auto end = text.find_first_of({quote, '\n', '\0'}, start + 1);
         if (end == std::string::npos || text[end] != quote) {
             continue;
         }
-        const std::string name = text.substr(at + 1, end - at - 1);
+        const std::string name = text.substr(start + 1, end - start - 1);
         imports.push_back({name, resolveImport(file, name)});
     }
     return imports;
@@ -150,8 +154,8 @@ std::optional<fs::path> outputPathOf(const Project& project, const fs::path& fil
         name.replace_extension(kind->outputExtension);
         folder /= project.appliedLanguages[kind->language]["outputFolderName"].get<std::string>();
     }
-    const fs::path inner = file.parent_path().lexically_relative(sourceFolder(project));
-    folder = (folder / inner).lexically_normal();
+    const fs::path relativeFolder = file.parent_path().lexically_relative(sourceFolder(project));
+    folder = (folder / relativeFolder).lexically_normal();
     if (const auto choice = choiceFor(project, file, "outputFolder"); !choice.empty()) {
         folder = choice;
     }
