@@ -29,7 +29,7 @@ enum class ValueKind {
     json,
     file,
     folder,
-    /// The first kind whose values only the application knows. All later kinds are of that sort.
+    // Only the application knows the values of the following kinds.
     project,
     /// A project that is not a framework, which has a fixed group.
     movableProject,
@@ -49,6 +49,11 @@ enum class ValueKind {
     rowId,
     logCursor,
 };
+
+/// Returns whether only the application knows the values of the kind.
+constexpr bool isKnownOnlyToApplication(ValueKind kind) {
+    return kind >= ValueKind::project;
+}
 
 // The empty initialisers let tables leave members out without a warning.
 // NOLINTBEGIN(readability-redundant-member-init)

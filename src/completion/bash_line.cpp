@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace fernlow::completion {
 
@@ -21,18 +20,15 @@ struct Word {
     std::size_t start = 0;
 };
 
-/// Reads a command as bash does. Text that bash will expand becomes unknownText.
+/// Splits a command into words as bash does. Text that bash will expand becomes unknownText.
 class BashLine {
 public:
     /// Keeps a reference to the line.
     explicit BashLine(std::string_view line) : line_(line) {
-        while (at_ < line_.size() && state_ != State::elsewhere) {
-            const char character = line_[at_++];
-            const bool endsQuote = openQuote() != '\0' && character == openQuote();
-            if (endsQuote) {
-                state_ = State::inWord;
-            } else if (state_ == State::singleQuotes) {
-                put(character);
+        while (next_ < line_.size() && state_ != State::ended) {
+            const char character = line_[next_++];
+            if (state_ == State::singleQuotes) {
+                readSingleQuoted(character);
             } else if (state_ == State::doubleQuotes) {
                 readDoubleQuoted(character);
             } else {
@@ -41,51 +37,69 @@ public:
         }
     }
 
-    /// The words in front of the last one.
+    /// Returns the words before the last word.
     [[nodiscard]] const std::vector<Word>& words() const { return words_; }
 
-    /// The word at the end of the line, which may be empty.
+    /// Returns the word at the end of the line, which may be empty.
     [[nodiscard]] const Word& lastWord() const { return lastWord_; }
 
-    /// Ends the last word, so that it is one of the words().
+    /// Ends the last word and, unless it is the file of a redirection, adds it to the words().
     void endWord() {
         const bool isWord = !lastWord_.text.empty() || state_ == State::inWord;
-        if (isWord && !std::exchange(isRedirection_, false)) {
+        if (isWord && !isRedirection_) {
             words_.push_back(lastWord_);
         }
-        lastWord_ = {"", at_};
+        if (isWord) {
+            isRedirection_ = false;
+        }
+        lastWord_ = {"", next_};
         state_ = State::betweenWords;
     }
 
-    /// The quote that is open at the end of the line, or 0.
+    /// Returns the quote that is open at the end of the line, or 0.
     [[nodiscard]] char openQuote() const {
-        const bool isDouble = state_ == State::doubleQuotes;
-        return isDouble ? '"' : state_ == State::singleQuotes ? '\'' : '\0';
+        if (state_ == State::doubleQuotes) {
+            return '"';
+        }
+        return state_ == State::singleQuotes ? '\'' : '\0';
     }
 
-    /// Whether the last word is the file of a redirection.
+    /// Returns whether the last word is the file of a redirection.
     [[nodiscard]] bool isRedirection() const { return isRedirection_; }
 
-    /// Whether the line ends in a substitution or a comment, or behind the end of the command.
-    [[nodiscard]] bool endsElsewhere() const { return state_ == State::elsewhere; }
+    /// Returns whether the end of the line is outside the command: in a substitution, in a comment
+    /// or after the command's end.
+    [[nodiscard]] bool isOutsideCommand() const { return state_ == State::ended; }
 
 private:
-    enum class State { betweenWords, inWord, singleQuotes, doubleQuotes, elsewhere };
+    enum class State { betweenWords, inWord, singleQuotes, doubleQuotes, ended };
 
-    [[nodiscard]] char next() const { return at_ < line_.size() ? line_[at_] : '\0'; }
+    [[nodiscard]] char nextCharacter() const { return next_ < line_.size() ? line_[next_] : '\0'; }
 
-    void put(char character) {
+    void append(char character) {
         lastWord_.text += character;
-        state_ = state_ == State::betweenWords ? State::inWord : state_;
+        if (state_ == State::betweenWords) {
+            state_ = State::inWord;
+        }
+    }
+
+    void readSingleQuoted(char character) {
+        if (character == '\'') {
+            state_ = State::inWord;
+        } else {
+            append(character);
+        }
     }
 
     void readDoubleQuoted(char character) {
-        if (character == '\\' && isOneOf(next(), "\"\\$`")) {
+        if (character == '"') {
+            state_ = State::inWord;
+        } else if (character == '\\' && isOneOf(nextCharacter(), "\"\\$`")) {
             readEscaped();
         } else if (isOneOf(character, "$`!")) {
             readExpansion(character);
         } else {
-            put(character);
+            append(character);
         }
     }
 
@@ -100,78 +114,80 @@ private:
             readEscaped();
         } else if (isOneOf(character, "$`!*?[{(")) {
             readExpansion(character);
-        } else if (isOneOf(character, "<>") || (character == '&' && next() == '>')) {
+        } else if (isOneOf(character, "<>") || (character == '&' && nextCharacter() == '>')) {
             readRedirection();
         } else if (isOneOf(character, ";|&)\n") ||
                    (character == '#' && state_ == State::betweenWords)) {
             endWord();
-            state_ = State::elsewhere;
+            state_ = State::ended;
         } else {
-            const bool isHome = character == '~' && at_ > 1 && isOneOf(line_[at_ - 2], "=:");
-            put(isHome ? unknownText : character);
+            // bash also expands a "~" that follows "=" or ":".
+            const bool isHome = character == '~' && next_ > 1 && isOneOf(line_[next_ - 2], "=:");
+            append(isHome ? unknownText : character);
         }
     }
 
     void readEscaped() {
-        if (at_ < line_.size()) {
-            put(line_[at_++]);
+        if (next_ < line_.size()) {
+            append(line_[next_++]);
         }
     }
 
     void readRedirection() {
-        // The number of a descriptor, quoted nowhere, belongs to the redirection.
-        const std::string_view typed = line_.substr(lastWord_.start, at_ - 1 - lastWord_.start);
+        // An unquoted number directly before the operator is a descriptor, not a word.
+        const std::string_view typed = line_.substr(lastWord_.start, next_ - 1 - lastWord_.start);
         if (typed.find_first_not_of("0123456789") == std::string_view::npos) {
             lastWord_ = {};
             state_ = State::betweenWords;
         }
         endWord();
-        while (at_ < line_.size() && isOneOf(next(), "<>&|")) {
-            ++at_;
+        while (next_ < line_.size() && isOneOf(nextCharacter(), "<>&|")) {
+            ++next_;
         }
-        lastWord_.start = at_;
+        lastWord_.start = next_;
         // "<(" and ">(" begin a word instead.
-        isRedirection_ = next() != '(';
+        isRedirection_ = nextCharacter() != '(';
     }
 
     /// Reads a character that bash will expand, or a whole substitution.
     void readExpansion(char character) {
-        put(unknownText);
+        append(unknownText);
         const bool isQuoted = state_ == State::doubleQuotes;
         if (character == '`' || (character == '(' && !isQuoted)) {
             skipSubstitution(character);
-        } else if (character == '$' && isOneOf(next(), isQuoted ? "({" : "({'")) {
-            skipSubstitution(line_[at_++]);
+        } else if (character == '$' && isOneOf(nextCharacter(), isQuoted ? "({" : "({'")) {
+            skipSubstitution(line_[next_++]);
         }
     }
 
-    /// Skips to the character that ends the substitution, without a look at quotes in it: where
-    /// bash expands a line, only the program's own words are offered, and they need no quotes.
+    /// Skips to the end of the substitution. Ignores the quotes inside it, so it may find another
+    /// end than bash. This does no harm: in a line that bash expands, only the program's own words
+    /// are offered, and they need no quotes.
     void skipSubstitution(char begin) {
         const char end = begin == '(' ? ')' : begin == '{' ? '}' : begin;
         std::size_t depth = 1;
-        while (at_ < line_.size()) {
-            const char character = line_[at_++];
+        while (next_ < line_.size()) {
+            const char character = line_[next_++];
             if (character == '\\') {
-                ++at_;
+                ++next_;
             } else if (character == end && --depth == 0) {
                 return;
             } else if (character == begin) {
                 ++depth;
             }
         }
-        state_ = State::elsewhere;
+        state_ = State::ended;
     }
 
     std::string_view line_;
-    std::size_t at_ = 0;
+    std::size_t next_ = 0;
     State state_ = State::betweenWords;
     bool isRedirection_ = false;
     std::vector<Word> words_;
     Word lastWord_;
 };
 
-/// The words of the whole line behind the program's name. The word at the cursor ends there.
+/// Returns the words after the program's name. The word at the cursor ends at the cursor.
 std::vector<std::string> wordsOf(const BashLine& before, const BashRequest& request) {
     std::vector<std::string> words;
     for (const Word& word : before.words()) {
@@ -182,7 +198,7 @@ std::vector<std::string> wordsOf(const BashLine& before, const BashRequest& requ
     BashLine whole(line);
     whole.endWord();
     for (const Word& word : whole.words()) {
-        // The rest of the word at the cursor is not a word of its own.
+        // A word that starts at the cursor is the rest of the word at the cursor.
         if (word.start > request.beforeCursor.size()) {
             words.push_back(word.text);
         }
@@ -191,26 +207,56 @@ std::vector<std::string> wordsOf(const BashLine& before, const BashRequest& requ
     return words;
 }
 
-/// The text as bash reads it back, within the open quote.
+/// Returns the characters that bash does not read literally within the open quote.
+std::string_view specialCharacters(char openQuote) {
+    switch (openQuote) {
+    case '\'':
+        return "'";
+    case '"':
+        return "\"\\$`";
+    default:
+        return " \t\"'\\$`&|;<>(){}[]*?!#~^";
+    }
+}
+
+/// Returns the text quoted, so that bash reads back exactly the text within the open quote.
 std::string quoted(std::string_view text, char openQuote) {
     std::string result;
     for (const char character : text) {
-        if (openQuote == '\'') {
-            result += character == '\'' ? R"('\')" : "";
-        } else if (isOneOf(character,
-                           openQuote == '"' ? "\"\\$`" : " \t\"'\\$`&|;<>(){}[]*?!#~^")) {
-            result += '\\';
+        if (isOneOf(character, specialCharacters(openQuote))) {
+            // Single quotes have no escapes: '\'' ends them, adds a quote and begins them again.
+            result += openQuote == '\'' ? R"('\')" : "\\";
         }
         result += character;
     }
     return result;
 }
 
-/// Whether bash leaves the text unchanged within the open quote. Between double quotes it expands
-/// "!", and it takes that quote at either end of the text for the opening or closing one.
+/// Returns whether bash leaves the text unchanged within the open quote. Between double quotes it
+/// expands "!". It takes a quote at either end of the text for the opening or the closing quote.
 bool isKeptInQuote(char openQuote, std::string_view text) {
     return openQuote == '\0' || (!text.starts_with(openQuote) && !text.ends_with(openQuote) &&
                                  (openQuote == '\'' || !isOneOf('!', text)));
+}
+
+/// Returns how many bytes of the unquoted word bash keeps on the line. It replaces only the end of
+/// the word, so its replies must not contain these bytes. `rawWord` is the word as typed.
+std::size_t keptSize(std::string_view rawWord, std::string_view replaced, char openQuote) {
+    rawWord.remove_suffix(replaced.size());
+    if (openQuote != '\0' && rawWord.ends_with(openQuote)) {
+        rawWord.remove_suffix(1);
+    }
+    return BashLine(rawWord).lastWord().text.size();
+}
+
+/// Returns the reply for a candidate of which bash keeps the first bytes on the line.
+std::string replyFor(std::string_view candidate, std::size_t kept, char openQuote) {
+    // bash expands only an unquoted "~".
+    const std::string_view home(kept == 0 && candidate.starts_with("~/") ? "~" : "");
+    const bool isComplete =
+        !candidate.ends_with('=') && !candidate.ends_with('/') && openQuote == '\0';
+    return std::string(home) + quoted(candidate.substr(kept + home.size()), openQuote) +
+           (isComplete ? " " : "");
 }
 
 } // namespace
@@ -219,10 +265,11 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const CompletionContext& context) {
     const BashLine line(request.beforeCursor);
     const std::string& word = line.lastWord().text;
-    std::string_view kept = request.beforeCursor.substr(line.lastWord().start);
-    const bool isUserHome = kept.starts_with('~') && !kept.starts_with("~/");
-    if (line.endsElsewhere() || (line.words().empty() && !line.isRedirection()) || !isKnown(word) ||
-        isUserHome || !kept.ends_with(request.replaced)) {
+    const std::string_view rawWord = request.beforeCursor.substr(line.lastWord().start);
+    const bool isProgramName = line.words().empty() && !line.isRedirection();
+    const bool isUserHome = rawWord.starts_with('~') && !rawWord.starts_with("~/");
+    if (line.isOutsideCommand() || isProgramName || !isKnown(word) || isUserHome ||
+        !rawWord.ends_with(request.replaced)) {
         return {};
     }
     const auto words = wordsOf(line, request);
@@ -232,25 +279,13 @@ std::vector<std::string> completeBashLine(const BashRequest& request,
     } else if (std::all_of(words.begin(), words.end(), isKnown)) {
         addNamesOnDisk(completions, word, context);
     }
-    // bash keeps the beginning of the word, and so the replies must lack it.
-    kept.remove_suffix(request.replaced.size());
-    if (line.openQuote() != '\0' && kept.ends_with(line.openQuote())) {
-        kept.remove_suffix(1);
-    }
-    const std::size_t start = BashLine(kept).lastWord().text.size();
+    const std::size_t kept = keptSize(rawWord, request.replaced, line.openQuote());
     std::vector<std::string> replies;
-    for (const Candidate& candidate : completions.candidates) {
-        const std::string_view value(candidate.value);
-        if (!value.starts_with(word) || !isKeptInQuote(line.openQuote(), value.substr(start))) {
-            continue;
+    for (const auto& [value, description] : completions.candidates) {
+        if (value.starts_with(word) &&
+            isKeptInQuote(line.openQuote(), std::string_view(value).substr(kept))) {
+            replies.push_back(replyFor(value, kept, line.openQuote()));
         }
-        // A path below the home folder: bash expands only an unquoted "~".
-        const std::string_view home(start == 0 && value.starts_with("~/") ? "~" : "");
-        const bool isComplete =
-            !value.ends_with('=') && !value.ends_with('/') && line.openQuote() == '\0';
-        replies.push_back(std::string(home) +
-                          quoted(value.substr(start + home.size()), line.openQuote()) +
-                          (isComplete ? " " : ""));
     }
     return replies;
 }

@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-/// Bash passes the completion function the raw command line, including quotes, and replaces a part
-/// of the word at the cursor with a candidate as it is.
+/// Bash passes the completion function the raw command line, including quotes. It replaces the end
+/// of the word at the cursor with a reply, and does not quote the reply.
 namespace fernlow::completion {
 
 struct BashRequest {
-    /// COMP_LINE in two pieces.
+    /// The command line (COMP_LINE), split at the cursor.
     std::string_view beforeCursor;
     std::string_view afterCursor;
     /// The end of the word at the cursor that bash will replace.
@@ -19,7 +19,7 @@ struct BashRequest {
 };
 
 /// Returns the elements for COMPREPLY: quoted so that bash reads back exactly the candidate, with a
-/// space behind a complete word. Returns none where bash has yet to expand the word at the cursor.
+/// space after a complete word. Returns none if bash would expand the word at the cursor.
 std::vector<std::string> completeBashLine(const BashRequest& request,
                                           const CompletionContext& context);
 

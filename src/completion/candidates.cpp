@@ -1,6 +1,5 @@
 #include "completion/candidates.h"
 
-#include "bytes/utf8.h"
 #include "terminal/visible_controls.h"
 
 #include <algorithm>
@@ -11,20 +10,20 @@ namespace fernlow::completion {
 
 namespace {
 
-/// In bytes, without the typed word that a name may begin with.
+/// The maximum size in bytes of all names and descriptions, without the folder before the names.
 constexpr std::size_t maxTotalSize = std::size_t{64} * 1024;
-constexpr std::size_t maxTextLength = 512;
+/// The maximum size in bytes of one name or description.
+constexpr std::size_t maxTextSize = 512;
 
-/// Whether the text is one short line of UTF-8 without control characters.
+/// Returns whether the text is one short line of UTF-8 without control characters.
 bool isPrintable(std::string_view text) {
     const bool hasControl = std::any_of(text.begin(), text.end(), [](char character) {
         return static_cast<unsigned char>(character) < ' ';
     });
-    return text.size() <= maxTextLength && !hasControl && utf8::isWellFormed(text) &&
-           !withVisibleControls(text);
+    return text.size() <= maxTextSize && !hasControl && !withVisibleControls(text);
 }
 
-/// Whether the text begins with a character that some C library counts as white space.
+/// Returns whether the text begins with a character that some C library counts as white space.
 bool beginsWithUnicodeSpace(std::string_view text) {
     constexpr auto others = std::to_array<std::string_view>({
         "\u0085",
@@ -45,13 +44,13 @@ bool beginsWithUnicodeSpace(std::string_view text) {
                        [&](std::string_view space) { return text.starts_with(space); });
 }
 
-/// Whether the shell passes a word that begins with the name on as that very word.
+/// Returns whether the shell leaves the name unchanged at the beginning of a word.
 bool isKeptBy(Shell shell, std::string_view name) {
-    // The shell would expand it where a person has typed "~/" without quotes.
+    // The shell would expand the name after an unquoted "~/".
     if (name.starts_with("~/")) {
         return false;
     }
-    // fish quotes neither a "~" at the beginning nor its own process id, and skips such spaces.
+    // At the beginning of a word, fish quotes neither "~" nor "%self" and skips Unicode spaces.
     return shell != Shell::fish ||
            !(name.starts_with('~') || name.starts_with("%self") || beginsWithUnicodeSpace(name));
 }

@@ -16,16 +16,17 @@ struct Candidate {
     std::string description;
 };
 
-/// The limit for one completion. Shells become slow with many candidates.
+/// The maximum number of candidates of one completion. Shells become slow with more.
 constexpr std::size_t maxCandidates = 2000;
 
-/// Adds names from the application or the disk to the candidates, each with `folder` in front of
-/// it. The names that begin with the typed word come first, because the number and the total size
-/// of the candidates are limited.
+/// Adds names from the application or the disk to the candidates, each with `folder` before it. The
+/// names that begin with the typed word come first, because the number and the total size of the
+/// candidates are limited.
 ///
-/// This is the only check of names that strangers have chosen. It leaves out a name that the shell
-/// would change on the command line, that breaks a line of output or plays tricks on a terminal,
-/// or that is too long. It clears a description for the last two reasons.
+/// No other function checks names that strangers have chosen. This function leaves out a name that
+/// the shell would change on the command line, that contains a control character, a line break or
+/// ill-formed UTF-8, or that is too long. It clears a description that is too long or contains one
+/// of these.
 void addNames(std::vector<Candidate>& candidates, const std::vector<Candidate>& names,
               std::string_view folder, std::string_view typed, Shell shell);
 

@@ -18,8 +18,10 @@ bool isSetting(ValueKind kind) {
            kind == ValueKind::fileSetting || kind == ValueKind::rowSetting;
 }
 
+/// Completes the word being typed. `mayAsk` tells whether the application may be asked.
 class Completer {
 public:
+    /// Keeps references to the line and the context.
     Completer(const TypedLine& line, bool mayAsk, const CompletionContext& context)
         : line_(line), mayAsk_(mayAsk), context_(context) {}
 
@@ -42,12 +44,12 @@ public:
 private:
     [[nodiscard]] const Command& command() const { return line_.before()->command(); }
 
-    /// Whether the command is "help" or "version".
+    /// Returns whether the command is "help" or "version".
     [[nodiscard]] bool takesNothing() const {
         return command().ignoresOtherWords && command().operands.empty();
     }
 
-    /// Adds a word of the program itself.
+    /// Adds a candidate that the program itself defines.
     void add(std::string_view value, std::string_view description) {
         completions_.candidates.push_back({std::string(value), std::string(description)});
     }
@@ -120,17 +122,17 @@ private:
         if (!line_.current().empty()) {
             return;
         }
-        addOptions(command().required);
-        // A free text has no candidates, so options may as well follow.
+        // An optional free text has no candidates, so all options are offered instead.
         const bool mayBeOption =
             operand == nullptr || (!operand->isRequired && operand->value.kind == ValueKind::text);
         if (mayBeOption && !line_.mayBeSubcommand()) {
-            completions_.candidates.clear();
             addOptions();
+        } else {
+            addOptions(command().required);
         }
     }
 
-    /// The operand that the word being typed is, or null.
+    /// Returns the operand that is being typed, or null.
     [[nodiscard]] const Operand* currentOperand() const {
         const auto& operands = command().operands;
         if (operands.empty()) {
@@ -140,7 +142,7 @@ private:
         const Operand* const last = operands.back();
         std::size_t index = line_.before()->remaining().size();
         if (isSetting(last->value.kind)) {
-            // A word with "=" is a setting, and settings may stand in front of the file too.
+            // A word with "=" is a setting. Settings may also stand before the file.
             if (line_.current().find('=') != std::string::npos) {
                 return last;
             }
@@ -160,42 +162,47 @@ private:
     }
 
     void addValues(const ValueDescription& value) {
-        if (value.kind == ValueKind::choiceList) {
-            addListChoices(value);
-        }
-        for (const std::string_view choice : value.choices) {
-            if (value.kind == ValueKind::choice) {
+        switch (value.kind) {
+        case ValueKind::choice:
+            for (const std::string_view choice : value.choices) {
                 add(choice, "");
             }
-        }
-        // The command would take a bare folder name for a subcommand.
-        const bool mustLookLikePath = line_.mayBeSubcommand() && !looksLikePath(line_.current());
-        if (value.kind == ValueKind::file) {
+            break;
+        case ValueKind::choiceList:
+            addListChoices(value.choices);
+            break;
+        case ValueKind::file:
             completions_.paths = PathKind::file;
-        } else if (!mustLookLikePath &&
-                   (value.kind == ValueKind::folder || value.kind == ValueKind::project ||
-                    value.kind == ValueKind::movableProject)) {
-            completions_.paths = PathKind::folder;
+            break;
+        case ValueKind::folder:
+        case ValueKind::project:
+        case ValueKind::movableProject:
+            // The command would take a bare folder name for a subcommand.
+            if (!line_.mayBeSubcommand() || looksLikePath(line_.current())) {
+                completions_.paths = PathKind::folder;
+            }
+            break;
+        default:
+            break;
         }
-        if (value.kind >= ValueKind::project && mayAsk_) {
+        if (isKnownOnlyToApplication(value.kind) && mayAsk_) {
             addKnownValues(value.kind);
         }
     }
 
-    /// Adds each choice that the typed list lacks, behind the typed list.
-    void addListChoices(const ValueDescription& value) {
-        const std::size_t comma = line_.current().rfind(',');
-        const std::string start =
-            comma == std::string::npos ? "" : line_.current().substr(0, comma + 1);
-        for (const std::string_view choice : value.choices) {
-            const std::string before = "," + start;
-            if (before.find("," + std::string(choice) + ",") == std::string::npos) {
-                add(start + std::string(choice), "");
+    /// Adds the typed list with each choice that it does not contain yet.
+    void addListChoices(std::span<const std::string_view> choices) {
+        // Without a comma, rfind() returns -1, and the list is empty.
+        const std::string list = line_.current().substr(0, line_.current().rfind(',') + 1);
+        for (const std::string_view each : choices) {
+            const std::string choice(each);
+            if (("," + list).find("," + choice + ",") == std::string::npos) {
+                add(list + choice, "");
             }
         }
     }
 
-    /// Whether the command would read the word as a value, not as an option.
+    /// Returns whether the command would read the word as a value, not as an option.
     [[nodiscard]] bool isReadAsValue(const std::string& word) const {
         const auto globals = GlobalOptions::all();
         const bool isGlobal =
@@ -214,7 +221,8 @@ private:
             auto& candidates = completions_.candidates;
             const std::size_t count = candidates.size();
             addNames(candidates, known, "", line_.current(), context_.shell);
-            // A project would be offered a second time as a folder, and Tab would not complete it.
+            // A project must not be offered a second time as a folder, because Tab would then not
+            // complete it. The matching names come first.
             if (candidates.size() > count && candidates[count].value.starts_with(line_.current())) {
                 completions_.paths = PathKind::none;
             }
@@ -244,6 +252,7 @@ Completions complete(const std::vector<std::string>& words, std::size_t index,
         // With an unknown word, the answer could be about another project, or from another socket.
         const bool mayAsk = std::all_of(words.begin(), words.end(), isKnown);
         Completions completions = Completer(line, mayAsk, context).complete();
+        // bash_line.cpp may misread the quotes in a line that bash expands.
         if (!mayAsk && context.shell == Shell::bash) {
             completions.paths = PathKind::none;
         }

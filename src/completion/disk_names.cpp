@@ -27,7 +27,7 @@ std::string expanded(const std::string& folder, const CompletionContext& context
     return folder.starts_with('~') ? resolvePath(folder, context.currentDirectory) : folder;
 }
 
-/// Returns the entries of a folder, whose path ends with "/", that begin with `beginning`.
+/// Returns the entries of the folder that begin with `beginning`. The folder's path ends with "/".
 std::vector<Candidate> namesIn(const std::string& folder, std::string_view beginning, PathKind kind,
                                const CompletionContext& context) {
     const std::unique_ptr<DIR, Closer> open(::opendir(folder.c_str()));
@@ -66,6 +66,7 @@ void addNamesOnDisk(Completions& completions, const std::string& typed,
         (context.shell == Shell::bash && hasMatch)) {
         return;
     }
+    // Without a "/", rfind() returns -1.
     const std::size_t nameStart = typed.rfind('/') + 1;
     const std::string folder = typed.substr(0, nameStart);
     const std::string beginning = typed.substr(nameStart);

@@ -4,13 +4,13 @@
 
 namespace fernlow::completion {
 
-/// Adds the names on the disk that the typed path may become, as far as the completions ask for
-/// them. A folder's name has a "/" at its end, and hidden names need their "." typed.
+/// Adds names on the disk of the kind `completions.paths` that begin with the typed path. A
+/// folder's name ends with "/". Hidden names are added only after a typed ".".
 ///
-/// bash gets names only where no candidate begins as typed, and fish gets all names of the folder
-/// where none begins as typed. zsh gets none: it lists names itself, because it also completes
-/// parts of a path and shows colours. Nobody gets any where the folder cannot be read, or not
-/// before the deadline, because people would take a part of the names for all of them.
+/// For bash, adds names only if no candidate begins with the typed path. For fish, adds all names
+/// of the folder if none begins with the typed path. For zsh, adds none: zsh lists names itself,
+/// because it also completes parts of a path and shows colours. Adds none if the folder cannot be
+/// read before the deadline, because users would think that an incomplete list is complete.
 void addNamesOnDisk(Completions& completions, const std::string& typed,
                     const CompletionContext& context);
 

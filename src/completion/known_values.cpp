@@ -51,14 +51,21 @@ std::string describeSetting(const json::Object& row) {
     return text.empty() ? description : description + ", " + text + " by default";
 }
 
-/// The values that a setting may have, behind its name and "=".
+/// Returns the setting's choices, which are texts or numbers.
+json::List<std::string_view> choicesOf(const json::Object& row) {
+    const auto choices = row.find("choices");
+    if (!choices) {
+        return {};
+    }
+    const auto texts = choices->texts();
+    return texts ? *texts : choices->numberLiterals().value_or(json::List<std::string_view>());
+}
+
+/// Returns "key=value" for each value that the setting may have.
 Candidates valuesOf(const json::Object& row) {
     const std::string start = std::string(row.text("name")) + "=";
     Candidates candidates;
-    const auto choices = row.find("choices");
-    const auto texts = choices ? choices->texts() : std::nullopt;
-    const auto words = choices && !texts ? choices->numberLiterals() : texts;
-    for (const std::string_view choice : words.value_or(json::List<std::string_view>())) {
+    for (const std::string_view choice : choicesOf(row)) {
         candidates.push_back({start + std::string(choice), ""});
     }
     if (candidates.empty() && row.text("valueType") == "boolean") {
@@ -75,13 +82,14 @@ std::string keyOf(const std::string& word) {
     return word.substr(0, word.find('='));
 }
 
-/// The running application. The answer to a question is valid until the next question.
+/// The running application. A reply is valid until the next request.
 class Application {
 public:
+    /// Keeps references to the line, whose whole() must not be null, and to the context.
     Application(const TypedLine& line, const CompletionContext& context)
         : line_(line), context_(context), words_(line.whole()->remaining()) {}
 
-    /// `kind` is one that only the application knows.
+    /// Returns the values of the kind. Requires isKnownOnlyToApplication(kind).
     Candidates values(ValueKind kind) {
         switch (kind) {
         case ValueKind::project:
@@ -115,9 +123,8 @@ private:
         return candidates;
     }
 
-    /// Leaves out groups that the application would refuse. The groups Projects and Frameworks are
-    /// its own: nobody can change them, or move a project to Frameworks. A name that two groups
-    /// share could mean either.
+    /// Leaves out the groups that the application would refuse: groups that share a name, and the
+    /// permanent groups Projects and Frameworks. A project can be moved to Projects, however.
     Candidates groups(bool withProjects) {
         Candidates candidates;
         std::map<std::string, int> uses;
@@ -173,7 +180,7 @@ private:
         return candidates;
     }
 
-    /// The value that was given with an option, as typed.
+    /// Returns the value given with the option, as typed.
     [[nodiscard]] std::optional<std::string> given(const Option& option) const {
         const std::string* const text = line_.whole()->find(option);
         return text == nullptr ? std::nullopt : std::optional(*text);
@@ -183,7 +190,7 @@ private:
         return resolvePath(path, context_.currentDirectory);
     }
 
-    /// The path of the project that the command would ask about.
+    /// Returns the path of the project that the command will use.
     [[nodiscard]] std::string project() const {
         if (const auto path = given(options::inProject)) {
             return resolved(*path);
@@ -209,7 +216,8 @@ private:
         return socket->starts_with('~') ? resolved(*socket) : *socket;
     }
 
-    /// Returns the "result" of the reply; a request with a body is a POST.
+    /// Returns the "result" of the reply, or nothing if the request fails. A request with a body is
+    /// a POST.
     std::optional<json::Value> ask(std::string_view path, std::string_view body) {
         // Larger than any real list, and parsed within a few hundredths of a second.
         constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
@@ -236,7 +244,8 @@ private:
         return result ? result->object() : std::nullopt;
     }
 
-    /// Makes a candidate of each row of the project's collections, from the member of that name.
+    /// Returns a candidate for each row of the project's collections: the row's member with the
+    /// given name.
     Candidates collectionRows(std::string_view member,
                               const std::optional<AgentCollectionKind>& kind) {
         const auto collections =
@@ -274,8 +283,8 @@ private:
         }
     }
 
-    /// Whether the command can change the setting. Without --language the schema has the settings
-    /// of every language, and it always has the settings of rows in collections.
+    /// Returns whether the command can change the setting. Without --language the schema also lists
+    /// the settings of every language, and it always lists the settings of rows in collections.
     [[nodiscard]] bool isChangeable(const json::Object& row, ValueKind kind) const {
         return kind == ValueKind::rowSetting || kind == ValueKind::fileSetting ||
                (row.text("language") == given(options::ofLanguage).value_or("") &&

@@ -7,11 +7,10 @@
 
 namespace fernlow::completion {
 
-/// Asks the running application for values of a kind that only it knows (ValueKind::project and the
-/// kinds after it), as they fit the line being typed. The answer is not essential: one that is late
-/// or wrong counts as none, without a message, and the application is never started. A setting is
-/// "key=", or "key=value" once a key is typed. Throws json::EncodingError and
-/// CurrentDirectoryError.
+/// Asks the running application for the values of a kind, for which isKnownOnlyToApplication(),
+/// that fit the line being typed. Never starts the application. Returns no values if the reply is
+/// late or malformed. A setting is offered as "key=", and as "key=value" once its key is typed.
+/// Throws json::EncodingError and CurrentDirectoryError.
 std::vector<Candidate> knownValues(ValueKind kind, const TypedLine& line,
                                    const CompletionContext& context);
 

@@ -4,7 +4,6 @@
 #include "commands/options.h"
 #include "commands/usage_error.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace fernlow::completion {
@@ -21,8 +20,10 @@ CommandLine parsed(std::vector<std::string> words, const CurrentDirectory& curre
 
 TypedLine::TypedLine(std::vector<std::string> words, std::size_t index,
                      const CurrentDirectory& currentDirectory) {
-    index = std::min(index, words.size());
-    words.resize(std::max(words.size(), index + 1));
+    if (index >= words.size()) {
+        index = words.size();
+        words.emplace_back();
+    }
     current_ = words[index];
     std::vector<std::string> after(words.begin() + static_cast<std::ptrdiff_t>(index) + 1,
                                    words.end());
@@ -43,7 +44,7 @@ TypedLine::TypedLine(std::vector<std::string> words, std::size_t index,
     try {
         whole_ = parsed(std::move(words), currentDirectory);
     } catch (const AgentCLIUsageError&) {
-        // The subcommand is still being typed, and a word after the cursor is taken for it.
+        // The subcommand is still being typed, and a word after the cursor was read as one.
         whole_ = before_;
     }
 }
