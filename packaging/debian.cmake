@@ -1,8 +1,9 @@
-# CPack runs this when everything is in its staging folder: it adds the changelog that Debian wants
-# and the reasons for what lintian warns of, and compresses what Debian compresses.
+# CPack runs this script after it has copied the installed files to its temporary folder. The script adds the
+# changelog that Debian requires and the overrides of lintian's warnings, and compresses the changelog and
+# the manual page.
 set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
 
-# The time is SOURCE_DATE_EPOCH's, where that is set.
+# This is the time in the environment variable SOURCE_DATE_EPOCH, if it is set.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(WRITE "${share}/doc/fernlow/changelog" "fernlow (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium
 
@@ -13,7 +14,7 @@ file(WRITE "${share}/doc/fernlow/changelog" "fernlow (${CPACK_PACKAGE_VERSION}) 
 configure_file("${CMAKE_CURRENT_LIST_DIR}/lintian-overrides"
   "${share}/lintian/overrides/fernlow" COPYONLY)
 
-# Debian's zsh doesn't look in the folder that zsh itself would.
+# Debian's zsh does not search zsh's usual folder.
 file(RENAME "${share}/zsh/site-functions" "${share}/zsh/vendor-completions")
 
 file(GLOB pages "${share}/man/man1/*.1")

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What platform.cpp uses of sysdir(3), for a toolchain whose headers lack it.
+/// The part of sysdir(3) that platform.cpp uses. The toolchain has no such header.
 
 #ifdef __cplusplus
 extern "C" {
@@ -13,7 +13,7 @@ typedef unsigned int sysdir_search_path_enumeration_state;
 sysdir_search_path_enumeration_state
 sysdir_start_search_path_enumeration(sysdir_search_path_directory_t directory,
                                      sysdir_search_path_domain_mask_t domains);
-/// `path` has room for PATH_MAX bytes. 0 when there is no further folder.
+/// Writes the next folder to `path`, which has room for PATH_MAX bytes. Returns 0 if there is none.
 sysdir_search_path_enumeration_state
 sysdir_get_next_search_path_enumeration(sysdir_search_path_enumeration_state state, char* path);
 

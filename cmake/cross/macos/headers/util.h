@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the tests use of openpty(3), for a toolchain whose headers lack it.
+/// The part of openpty(3) that the tests use. The toolchain has no such header.
 
 #include <sys/ioctl.h>
 #include <sys/types.h>
