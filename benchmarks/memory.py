@@ -82,7 +82,8 @@ def build():
 
 
 def memory_of_runs(program, body, folder):
-    """Returns the peak memory and the output's length, as JSON and as text."""
+    """Returns the peak memory and the length of the output of two runs, both in bytes. The first
+    run prints JSON, and the second prints text."""
     (folder / "reply.json").write_bytes(body)
     (folder / "reply").unlink(missing_ok=True)
     server = subprocess.Popen([SERVER, folder, folder], stdout=subprocess.PIPE)
@@ -119,7 +120,8 @@ def main():
         for shape in shapes:
             body = body_of(shape, int(options.size * 10**6))
             (json_peak, json_length), (peak, length) = memory_of_runs(options.program, body, folder)
-            # A repaired reply is a second text. Any other reply is printed from its own buffer.
+            # A reply that is not valid UTF-8 is printed from a repaired copy. Any other reply is
+            # printed from the buffer that it was read into.
             repaired = json_length if json_length > len(body) + 1 else 0
             sums = [json_peak - constants[0] - repaired, peak - constants[1] - length, length]
             lines.append("| " + " | ".join([shape[0], *(f"{max(each, 0) / len(body):.2f}"

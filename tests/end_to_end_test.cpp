@@ -118,7 +118,7 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
                                              "  SITE/src/_ink.scss:1:7  This \"{\" is never "
                                              "closed.\n[1]");
 
-    // Nothing can be written where a folder is.
+    // A folder with the name of the output file makes the job fail.
     std::filesystem::create_directories(site() + "/build/logo.svg");
     folder_.write("site/src/logo.svg", "<svg/>");
     EXPECT_EQ(run("process src/logo.svg").status, 1);
@@ -133,7 +133,8 @@ TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("projects"), "No projects.\n[0]");
 }
 
-/// Whatever links a project contains, a build neither copies nor changes a file outside it.
+/// A build neither copies nor changes a file outside the project, whatever links the project
+/// contains.
 TEST_F(EndToEnd, BuildFollowsNoLinkOutOfTheProject) {
     folder_.write("outside/x.css", "precious");
     folder_.write("site/src/sub/x.css", "");
@@ -171,7 +172,7 @@ TEST_F(EndToEnd, StandInRefusesDeepNesting) {
     }
 }
 
-/// Otherwise two that start together could both replace the same stale socket.
+/// Without the lock, two stand-ins that start together could both replace the same stale socket.
 TEST_F(EndToEnd, StandInStartsOnlyWithTheLock) {
     std::filesystem::remove(socket());
     ProgramRun second{{"--socket", socket()}, "/", [] { ::alarm(5); }};

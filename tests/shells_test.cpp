@@ -1,5 +1,5 @@
-// Completion in the real shells, under a pseudo-terminal: the test types a line, Tab and Return,
-// and a program in fernlow's place prints the words that it gets.
+// Tests completion in the real shells, in a pseudo-terminal. The test types a line, Tab and Return.
+// A script with the name "fernlow" prints the words that it receives.
 #include "support/paths.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
@@ -30,10 +30,11 @@ namespace {
 struct Shell {
     std::string program;
     std::string arguments;
-    /// Loads the completion, with settings of the shell that people have in their own.
+    /// Commands that load the completion in a shell with settings that users often have. "P/"
+    /// stands for the folder of the installation.
     std::string start;
-    /// Loads the completion without a file.
-    std::string startFromNowhere = ":";
+    /// Commands that load the completion from text, so that it does not know the path of its file.
+    std::string startWithoutFile = ":";
 };
 
 const Shell bash{"bash", "--norc --noprofile -i",
@@ -44,7 +45,8 @@ const Shell zsh{
     "zsh", "-f -i",
     "cd ..; ln -s P/share/zsh/site-functions .; fpath=($PWD/site-functions $fpath); cd; "
     "autoload -Uz compinit; compinit -u -D; setopt nounset; IFS=:; alias -g evil=x"};
-// Newer versions ask the terminal for its name, and wait for an answer.
+// Newer versions of fish ask the terminal for its name and wait for an answer, unless the feature
+// query-term is switched off.
 const Shell fish{
     "fish", "--features=no-query-term --no-config -i",
     "cd ..; ln -s P/share/fish/vendor_completions.d/fernlow.fish .; source fernlow.fish; cd",
@@ -58,10 +60,10 @@ public:
         const std::string prefix = file("prefix");
         fs::create_directories(file("home/my déjà vu"));
         write("home/a naïve file.js", "");
-        const char* const other = std::getenv("FERNLOW_PREFIX");
-        const std::string install = other == nullptr
+        const char* const installed = std::getenv("FERNLOW_PREFIX");
+        const std::string install = installed == nullptr
                                         ? FERNLOW_INSTALL " --prefix " + prefix + " >/dev/null"
-                                        : "cp -R '" + std::string(other) + "' " + prefix;
+                                        : "cp -R '" + std::string(installed) + "' " + prefix;
         EXPECT_EQ(std::system(install.c_str()), 0);
         fs::remove(prefix + "/bin/fernlow");
         // A link leads to the program, as with Homebrew.
@@ -95,7 +97,7 @@ public:
         ::close(terminal_);
     }
 
-    /// Types the keys and Return, and returns the words that the program got, each in brackets.
+    /// Types the keys and Return. Returns the words that the program received, each in brackets.
     std::string typed(const std::string& keys) {
         const std::string line = keys + "\r";
         EXPECT_EQ(::write(terminal_, line.data(), line.size()), static_cast<ssize_t>(line.size()));
@@ -120,7 +122,7 @@ private:
     pid_t process_ = -1;
 };
 
-/// Whether the shell's file or the engine leaves the name out, because the shell would change it.
+/// Returns whether the completion omits the name, because the shell would change the name.
 bool isLeftOut(const Shell& shell, const std::string& name) {
     if (shell.program == "zsh") {
         return name == "evil";
@@ -129,7 +131,8 @@ bool isLeftOut(const Shell& shell, const std::string& name) {
            (name.starts_with('~') || name.starts_with('%') || name.starts_with("\u3000"));
 }
 
-/// Names that strangers have chosen arrive as exactly those words or not at all, and run nothing.
+/// Expects that each hostile name is completed as exactly one word or not at all, and that the
+/// shell runs none of the commands in the names.
 void expectNames(const Shell& shell, Session& session) {
     namespace fs = std::filesystem;
     for (const char* const program : {"links/evil", "home/libexec/fernlow-complete"}) {
@@ -162,22 +165,23 @@ void expectNames(const Shell& shell, Session& session) {
     const ScriptedPeer braces({answerResult(R"([{"name":"abc"},{"name":"a{b,c"}])")});
     EXPECT_EQ(session.typed("fernlow --socket " + braces.path() + " move --group a{b\t}"),
               "[--socket][" + braces.path() + "][move][--group][a{b}]");
-    // The same is true of names on the disk, but a relative path cannot begin with "~".
+    // Names on the disk are tested too. A relative path cannot begin with "~", so the names with
+    // "~" are omitted.
     for (const std::string name : {"`evil`", "$(evil)", "a$HOME", "a!!", "a'b", "a\"", "a\\", " a",
                                    "=evil", "-x", "{b,c}", "~root", "\u3000~root", "\n", "a\tb"}) {
         const bool hasControl = name.find_first_of("\n\t") != std::string::npos;
         if (hasControl && shell.program == "zsh") {
-            // zsh lists the names itself, and writes controls as $'\n'.
+            // zsh itself completes the names on the disk, and writes control characters as $'\n'.
             continue;
         }
         fs::create_directories(session.file("disk/" + name));
         session.typed("cd ~/../disk; fernlow ready");
-        const std::string below = hasControl ? "x" : name + "/x";
-        const std::string given = isLeftOut(shell, name) || name == "~root" ? "x" : below;
-        EXPECT_EQ(session.typed("fernlow add \tx"), "[add][" + given + "]");
+        const std::string completed = hasControl ? "x" : name + "/x";
+        const bool isOmitted = isLeftOut(shell, name) || name == "~root";
+        EXPECT_EQ(session.typed("fernlow add \tx"), "[add][" + (isOmitted ? "x" : completed) + "]");
         EXPECT_EQ(session.typed("fernlow add '~\t'"), "[add][~]");
         EXPECT_EQ(session.typed("fernlow add ~/../disk/\tx"),
-                  "[add][" + session.file("home/../disk/") + below + "]");
+                  "[add][" + session.file("home/../disk/") + completed + "]");
         fs::remove_all(session.file("disk"));
     }
     EXPECT_FALSE(session.contains("ran"));
@@ -213,9 +217,10 @@ void expectCompletions(const Shell& shell) {
     EXPECT_EQ(session.typed("fernlow --socket " + stalled.path() + " settings sche\t"),
               "[--socket][" + stalled.path() + "][settings][schema]");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-    // Without a file there is no engine. A program in the current folder is not taken for it.
+    // Completion without a file cannot find its engine. It must not run the program
+    // libexec/fernlow-complete that the current folder leads to.
     std::filesystem::create_directories(session.file("home/a/b/c"));
-    session.typed("cd ~/a/b/c; " + shell.startFromNowhere + "; fernlow ready");
+    session.typed("cd ~/a/b/c; " + shell.startWithoutFile + "; fernlow ready");
     session.typed("fernlow stat\t");
     EXPECT_FALSE(session.contains("ran"));
 }

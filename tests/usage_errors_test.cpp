@@ -196,6 +196,7 @@ TEST(UsageErrors, Collections) {
 }
 
 TEST(HelpText, HasFixedBytes) {
+    // The FNV-1a hash.
     std::uint64_t checksum = 14695981039346656037U;
     for (const char byte : usageText()) {
         checksum = (checksum ^ static_cast<unsigned char>(byte)) * 1099511628211U;

@@ -15,6 +15,7 @@ namespace fernlow::number {
 
 namespace {
 
+/// The number of digits before the decimal point of the largest double.
 constexpr std::int64_t maxWholeDigits = std::numeric_limits<double>::max_exponent10 + 1;
 
 /// In scientific notation, every double written with this many decimals reads back unchanged.

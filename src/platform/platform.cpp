@@ -33,9 +33,9 @@
 #include <cstring>
 #endif
 
-// POSIX requires the program to declare it.
-extern char**
-    environ; // NOLINT(readability-redundant-declaration): glibc declares it, macOS doesn't
+// POSIX requires the program to declare `environ`.
+// NOLINTNEXTLINE(readability-redundant-declaration): glibc declares it, macOS does not.
+extern char** environ;
 
 namespace fernlow::platform {
 
@@ -49,8 +49,8 @@ std::optional<std::string> homeFolderIn(const passwd* entry) {
 }
 
 #ifndef __APPLE__
-/// Marks every descriptor except the standard streams as close-on-exec. Returns false if one of
-/// them may have been missed.
+/// Marks every descriptor except the standard streams as close-on-exec. Returns false if a
+/// descriptor may remain unmarked.
 bool markDescriptorsCloseOnExec() {
 #ifdef SYS_close_range
     // Some C libraries have no function for this system call, or no constant for its flag.
@@ -59,7 +59,7 @@ bool markDescriptorsCloseOnExec() {
         return true;
     }
 #endif
-    // Linux before 5.11, or a container that forbids the call.
+    // The call fails on Linux before 5.11 and in a container that forbids it.
     DIR* const folder = ::opendir("/proc/self/fd");
     if (folder == nullptr) {
         return false;
@@ -131,7 +131,8 @@ private:
         sigemptyset(&blocked);
         sigset_t reset;
         sigfillset(&reset);
-        // The actions of these two cannot be changed, and some systems refuse the request.
+        // The actions of SIGKILL and SIGSTOP cannot be changed, and some systems refuse a request
+        // that names them.
         sigdelset(&reset, SIGKILL);
         sigdelset(&reset, SIGSTOP);
 #ifdef __APPLE__
@@ -160,9 +161,9 @@ namespace {
 
 /// Returns the home folder of the first user in /etc/passwd for whom `matches` is true.
 ///
-/// It replaces musl's own look-ups, which ask nscd about a user who is not in the file, wait for
-/// it without a limit, and trust the length that it claims for its answer. They also accept an
-/// entry that is commented out.
+/// Replaces musl's getpwuid() and getpwnam(). If a user is not in the file, these functions ask the
+/// daemon nscd, wait for it without a limit, and trust the length that nscd gives for its answer.
+/// They also accept an entry that is commented out.
 template <class Predicate>
 std::optional<std::string> findHomeFolder(Predicate matches) {
     std::FILE* const users = std::fopen("/etc/passwd", "re");
@@ -171,10 +172,10 @@ std::optional<std::string> findHomeFolder(Predicate matches) {
     }
     std::optional<std::string> home;
     for (const passwd* entry = ::fgetpwent(users); entry != nullptr; entry = ::fgetpwent(users)) {
-        // "#" begins a comment, "+" and "-" a reference to a directory service. A name may also be
-        // empty, which strchr finds as well.
-        const bool namesNobody = std::strchr("#+-", *entry->pw_name) != nullptr;
-        if (!namesNobody && matches(*entry)) {
+        // A line that begins with "#" is a comment; a line that begins with "+" or "-" refers to a
+        // directory service. strchr also finds the end of an empty name.
+        const bool isUser = std::strchr("#+-", *entry->pw_name) == nullptr;
+        if (isUser && matches(*entry)) {
             home = homeFolderIn(entry);
             break;
         }
@@ -183,14 +184,17 @@ std::optional<std::string> findHomeFolder(Predicate matches) {
     return home;
 }
 
-/// A callback for dl_iterate_phdr, which calls it for the program first. It stops the iteration.
+/// A callback for dl_iterate_phdr, which calls it for the program first. Its result 1 ends the
+/// iteration.
 int protectRelocationsOf(dl_phdr_info* program, std::size_t /*size*/, void* /*context*/) {
-    const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+    // `address & pageMask` is the beginning of the page that contains the address.
+    const auto pageMask = ~(static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE)) - 1);
     for (int index = 0; index < program->dlpi_phnum; ++index) {
         const auto& segment = program->dlpi_phdr[index];
         if (segment.p_type == PT_GNU_RELRO) {
-            const auto begin = (program->dlpi_addr + segment.p_vaddr) & -page;
-            const auto end = (program->dlpi_addr + segment.p_vaddr + segment.p_memsz) & -page;
+            const auto address = program->dlpi_addr + segment.p_vaddr;
+            const auto begin = address & pageMask;
+            const auto end = (address + segment.p_memsz) & pageMask;
             ::mprotect(reinterpret_cast<void*>(begin), end - begin, PROT_READ);
         }
     }
@@ -256,6 +260,7 @@ void runProgram(const std::string& path, const std::vector<std::string>& argumen
     }
     // If SIGCHLD is ignored, waitpid fails with ECHILD once the program has ended.
     while (::waitpid(child, nullptr, 0) == -1 && errno == EINTR) {
+        // Waits again after an interruption.
     }
 }
 

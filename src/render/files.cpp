@@ -53,7 +53,9 @@ bool renderFileList(const json::Object& result, Lines& lines) {
     lines.add(count, " of ", result.optionalInteger("total").value_or(count), ".");
     if (result.boolean("truncated")) {
         const std::int64_t offset = result.integer("offset");
-        // An unsigned sum, because a large offset would overflow a signed sum.
+        // The sum is unsigned, because a large offset would overflow a signed sum. A negative
+        // offset wraps around, and the conversion back to a signed number then gives the correct
+        // sum.
         const auto next = static_cast<std::uint64_t>(offset) + static_cast<std::uint64_t>(count);
         lines.add("More to come: ask again with --offset ");
         if (offset < 0) {

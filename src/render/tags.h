@@ -7,7 +7,7 @@
 namespace fernlow {
 
 /// Appends tags to the current line: two spaces, then the tags in brackets, separated by commas.
-/// Appends nothing if there are no tags.
+/// Appends nothing if there are no tags. Call close() after the last tag.
 class Tags {
 public:
     explicit Tags(Lines& lines) : lines_(lines) {}

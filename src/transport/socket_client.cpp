@@ -14,8 +14,8 @@ namespace fernlow {
 
 namespace {
 
-/// The size at which a peer that never stops sending is cut off, before it uses up the memory. Real
-/// replies are much smaller.
+/// The maximum size of a reply in bytes, so that a peer that never stops sending cannot use up the
+/// memory. Real replies are much smaller.
 constexpr std::size_t maxReplySize = std::size_t{256} * 1024 * 1024;
 
 constexpr std::chrono::seconds probeTimeout{30};
@@ -41,7 +41,8 @@ bool acceptsConnections(const std::string& socketPath) {
 }
 
 /// Asks the system to start the application in the background. Waits until its socket accepts a
-/// connection or the launch timeout expires. Reports no failure: the next connection shows it.
+/// connection or the launch timeout expires. Does not report a failure, because the next attempt to
+/// connect will fail too.
 void launchApplication(const std::string& socketPath, const ExchangeSettings& settings) {
     platform::runProgram(settings.launchProgram, {"-g", "-b", applicationBundleIdentifier});
     const auto deadline = std::chrono::steady_clock::now() + settings.launchTimeout;

@@ -27,6 +27,7 @@ public:
     }
 
     [[nodiscard]] const std::string& path() const { return path_; }
+    /// Returns the path of a file or folder with this relative path, which need not exist.
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
     [[nodiscard]] bool contains(const std::string& name) const {
         return std::filesystem::exists(file(name));

@@ -56,8 +56,8 @@ Descriptor openEntry(const Descriptor& folder, const fs::path& path, int flags) 
     return entry;
 }
 
-/// Opens the folder that contains `path`, one step after the other from `root`, so that a link
-/// cannot lead out of `root` even if it is created meanwhile.
+/// Opens the folder that contains `path`. Opens each folder on the way from `root`, so that a link
+/// cannot lead out of `root` even if the link is created meanwhile.
 Descriptor openFolderOf(const fs::path& root, const fs::path& path, bool createsFolders) {
     Descriptor folder(open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.number() < 0) {
@@ -70,7 +70,8 @@ Descriptor openFolderOf(const fs::path& root, const fs::path& path, bool creates
             throw std::runtime_error(path.string() + " is not in " + root.string() + ".");
         }
         if (createsFolders) {
-            // Fails if the folder exists already; if it fails otherwise, opening fails too.
+            // The result is ignored: the folder may exist already, and after any other failure,
+            // opening the folder fails too.
             (void)mkdirat(folder.number(), name.c_str(), 0777);
         }
         if (fs::is_symlink(opened)) {
@@ -86,7 +87,8 @@ bool isRegularFile(const Descriptor& file) {
     return fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Returns the next bytes of a file: none at its end, and no text if reading failed.
+/// Reads the next bytes of a file into the buffer and returns a view of them. The view is empty at
+/// the end of the file. Returns nothing if reading fails.
 std::optional<std::string_view> readPiece(const Descriptor& file, std::array<char, 65536>& buffer) {
     const ssize_t count = read(file.number(), buffer.data(), buffer.size());
     if (count < 0) {
@@ -95,8 +97,8 @@ std::optional<std::string_view> readPiece(const Descriptor& file, std::array<cha
     return std::string_view(buffer.data(), static_cast<std::size_t>(count));
 }
 
-/// Returns the path of `file` without links; throws if it is outside the folder `root`, which has
-/// no links either.
+/// Returns the path of `file` without links. Throws std::runtime_error if that path is outside the
+/// folder `root`, whose path must contain no links.
 fs::path realPathInside(const fs::path& root, const fs::path& file) {
     fs::path real = fs::canonical(file);
     if (!isWithin(real, root)) {
@@ -139,7 +141,8 @@ void copyInside(const fs::path& project, const fs::path& source, const fs::path&
         throw std::runtime_error(source.string() + " is not a file.");
     }
     const Descriptor folder = openFolderOf(project, output, true);
-    // A new file, because the old one may be a link, or have another name outside the project.
+    // Replaces an existing file instead of writing to it. The file may be a link, or may have a
+    // second name (a hard link) outside the project.
     if (unlinkat(folder.number(), output.filename().c_str(), 0) != 0 && errno != ENOENT) {
         throwSystemError(output);
     }

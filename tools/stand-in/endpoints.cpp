@@ -75,15 +75,25 @@ bool isValid(const Json& value, const Member& member) {
     if (member.type == "list") {
         return value.is_array() && std::ranges::all_of(value, isText);
     }
-    return member.type == "text"      ? isText(value)
-           : member.type == "boolean" ? value.is_boolean()
-           : member.type == "integer" ? value.is_number_integer()
-           : member.type == "cursor"  ? value.is_number_unsigned()
-           : member.type == "decimal" ? value.is_number()
-                                      : value.is_object();
+    if (member.type == "text") {
+        return isText(value);
+    }
+    if (member.type == "boolean") {
+        return value.is_boolean();
+    }
+    if (member.type == "integer") {
+        return value.is_number_integer();
+    }
+    if (member.type == "cursor") {
+        return value.is_number_unsigned();
+    }
+    if (member.type == "decimal") {
+        return value.is_number();
+    }
+    return value.is_object();
 }
 
-/// Returns the members of an endpoint's requests, each with whether it is optional.
+/// Returns the members of an endpoint's requests. The boolean is true for an optional member.
 std::vector<std::pair<Member, bool>> membersOf(const Endpoint& endpoint) {
     std::vector<std::pair<Member, bool>> result;
     std::istringstream words(endpoint.members);
@@ -113,18 +123,18 @@ constexpr std::array notes = {
 
 Json schema(State& /*unused*/, const Json& /*unused*/) {
     Json list = Json::array();
-    for (const Endpoint& each : endpoints()) {
+    for (const Endpoint& endpoint : endpoints()) {
         Json rows = Json::array();
-        for (const auto& [member, isOptional] : membersOf(each)) {
+        for (const auto& [member, isOptional] : membersOf(endpoint)) {
             Json row = {{"name", member.name}, {"type", member.type}, {"isOptional", isOptional}};
             if (!member.values.empty()) {
                 row["values"] = member.values;
             }
             rows.push_back(std::move(row));
         }
-        list.push_back({{"method", each.method},
-                        {"path", each.path},
-                        {"summary", each.summary},
+        list.push_back({{"method", endpoint.method},
+                        {"path", endpoint.path},
+                        {"summary", endpoint.summary},
                         {"members", std::move(rows)}});
     }
     return {{"endpoints", std::move(list)}, {"notes", notes}};
@@ -155,6 +165,8 @@ const Endpoint& endpointFor(const Request& request) {
     return *found;
 }
 
+/// Throws Refusal if a required member is missing, a member has a wrong value, or a member is not
+/// known.
 void requireMembers(const Json& body, const Endpoint& endpoint) {
     std::size_t found = 0;
     for (const auto& [member, isOptional] : membersOf(endpoint)) {
@@ -175,8 +187,8 @@ void requireMembers(const Json& body, const Endpoint& endpoint) {
     }
 }
 
-/// Throws Refusal for a document that is nested so deeply that recursive functions would overflow
-/// the stack, or has so many members that finding them, one after the other, would take minutes.
+/// Throws Refusal if the document is nested so deeply that recursive functions would overflow the
+/// stack, or if it has so many members that finding each of them would take minutes.
 void requireReasonableShape(const std::string& document) {
     constexpr int maxDepth = 1024;
     constexpr int maxMembers = 10'000;
@@ -222,14 +234,14 @@ PendingResult resultOf(State& state, const Request& request) {
     const Endpoint& endpoint = endpointFor(request);
     const Json body = readBody(request);
     requireMembers(body, endpoint);
-    if (const auto* pending = std::get_if<1>(&endpoint.answer)) {
+    if (const auto* const pending = std::get_if<PendingAnswer>(&endpoint.answer)) {
         return (*pending)(state, body);
     }
-    return [result = std::get<0>(endpoint.answer)(state, body)] { return result; };
+    return [result = std::get<ImmediateAnswer>(endpoint.answer)(state, body)] { return result; };
 }
 
 Reply replyWith(unsigned httpStatus, const Json& document) {
-    // File names need not be UTF-8; ill-formed ones must not make the whole reply fail.
+    // Replaces ill-formed UTF-8, because a file name may contain it and the reply must not fail.
     return {httpStatus, document.dump(-1, ' ', false, Json::error_handler_t::replace)};
 }
 
@@ -244,11 +256,11 @@ PendingReply refusal(unsigned httpStatus, const std::string& sentence) {
 PendingReply answer(State& state, const Request& request) {
     try {
         return [result = resultOf(state, request)]() -> std::optional<Reply> {
-            const std::optional<Json> given = result();
-            if (!given) {
+            const std::optional<Json> finished = result();
+            if (!finished) {
                 return std::nullopt;
             }
-            return replyWith(200, {{"ok", true}, {"result", *given}});
+            return replyWith(200, {{"ok", true}, {"result", *finished}});
         };
     } catch (const Refusal& error) {
         return refusal(error.httpStatus, error.what());

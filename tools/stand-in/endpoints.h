@@ -12,6 +12,9 @@ namespace fernlow::standin {
 /// repeatedly.
 using PendingResult = std::function<std::optional<Json>()>;
 
+using ImmediateAnswer = Json (*)(State&, const Json&);
+using PendingAnswer = PendingResult (*)(State&, const Json&);
+
 /// An endpoint of the protocol. `members` lists the members of a request; a "?" marks an optional
 /// member. `answer` is called with a validated request. It returns the reply's "result", at once or
 /// later, or throws a Refusal.
@@ -20,7 +23,7 @@ struct Endpoint {
     std::string path;
     std::string summary;
     std::string members;
-    std::variant<Json (*)(State&, const Json&), PendingResult (*)(State&, const Json&)> answer;
+    std::variant<ImmediateAnswer, PendingAnswer> answer;
 };
 using Endpoints = std::vector<Endpoint>;
 
