@@ -16,7 +16,7 @@ AgentCLIInvocation parseInvocation(const std::vector<std::string>& arguments,
     std::vector<std::string> words = arguments;
     GlobalOptions globals;
     globals.take(words);
-    if (globals.lackSocketPath()) {
+    if (globals.lacksSocketPath()) {
         throw AgentCLIUsageError(
             AgentCLIUsageError::missingValue{std::string(options::socket.word)});
     }

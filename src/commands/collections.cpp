@@ -33,7 +33,7 @@ AgentCLIAction parseCollections(CommandLine& line) {
 constexpr Choice<AgentBuildStepType> type{"--type",
                                           "The type of a new build step, which needs one"};
 constexpr auto newExtension =
-    ofExtension.ofKind(ValueKind::text).describedAs("The extension of a new user-defined language");
+    extension.ofKind(ValueKind::text).describedAs("The extension of a new user-defined language");
 
 struct AgentCollectionAddRequest {
     std::string path;
@@ -103,7 +103,7 @@ AgentCLIAction parseCollectionMove(CommandLine& line) {
     return post("/v1/collections/reorder", request);
 }
 
-constexpr Operand rowChanges{{ValueKind::rowSetting, "key=value"}, false, true};
+constexpr Operand rowChanges{.value = {ValueKind::rowSetting, "key=value"}, .repeats = true};
 
 struct AgentCollectionPatch {
     std::string path;

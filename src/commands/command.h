@@ -23,11 +23,11 @@ struct Operand {
     /// Whether the operand may be given more than once. Only the last operand of a command may.
     bool repeats = false;
     /// The option that can be given instead of this operand, or null.
-    const Option* option = nullptr;
+    const Option* alternative = nullptr;
 };
 
-/// The array for a row's list of options: `.options = optionList<noWait, timeout>`. Equal lists are
-/// one array. Each pointer in a table costs time when the program starts.
+/// The array for a row's list of options: `.options = optionList<noWait, timeout>`. Equal lists
+/// share one array, because the start of the program takes longer with each pointer in a table.
 template <const auto&... options>
 inline constexpr std::array<const Option*, sizeof...(options)> optionList{&options...};
 
@@ -35,8 +35,8 @@ inline constexpr std::array<const Option*, sizeof...(options)> optionList{&optio
 template <const auto&... operands>
 inline constexpr std::array<const Operand*, sizeof...(operands)> operandList{&operands...};
 
-/// A row of the command table: the whole description of a command or of a subcommand. In a command
-/// with subcommands, the row with an empty subcommand describes the command alone.
+/// A row of the command table: the whole description of a command or of a subcommand. A command
+/// with subcommands also has a row with an empty subcommand, for a line without a subcommand.
 struct Command {
     std::string_view word;
     std::string_view subcommand{};
@@ -48,8 +48,8 @@ struct Command {
     /// word belongs that could be an option or another option's value.
     std::span<const Option* const> required{};
     std::span<const Option* const> options{};
-    /// In the row of a command alone: the options that may stand before a subcommand. They are
-    /// taken first, in this order. A subcommand ignores options that its own row leaves out.
+    /// The options that may stand before a subcommand, in the row with an empty subcommand. They
+    /// are taken first, in this order. A subcommand ignores options that its own row does not list.
     std::span<const Option* const> beforeSubcommand{};
     /// Other words for the command.
     std::span<const std::string_view> aliases{};
@@ -59,10 +59,10 @@ struct Command {
     /// json::EncodingError or CurrentDirectoryError.
     AgentCLIAction (*parse)(CommandLine& line);
 
-    /// Returns the words as a user types them: "files set".
+    /// Returns the word and the subcommand as a user types them: "files set".
     [[nodiscard]] std::string name() const;
 
-    /// Returns the required options, followed by the others.
+    /// Returns the required options, followed by the optional ones.
     [[nodiscard]] std::vector<const Option*> allOptions() const;
 };
 

@@ -10,6 +10,7 @@ namespace fernlow {
 
 namespace {
 
+/// Returns whether the words begin with a path and all operands among them look like paths.
 bool areAllPaths(const std::vector<std::string>& words) {
     return !words.empty() && looksLikePath(words.front()) &&
            std::all_of(words.begin(), words.end(), [](const std::string& word) {
@@ -34,13 +35,13 @@ CommandLine::CommandLine(std::vector<std::string> words, const CurrentDirectory&
     if (command_ == nullptr) {
         throw AgentCLIUsageError(AgentCLIUsageError::unknownCommand{*word});
     }
-    take(command_->beforeSubcommand);
+    takeOptions(command_->beforeSubcommand);
 }
 
 void CommandLine::takeSubcommand() {
     const bool hasOnlyPaths = !command_->operands.empty() && areAllPaths(remaining());
     if (hasSubcommands(*command_) && !hasOnlyPaths) {
-        if (const auto word = takeFirstWord()) {
+        if (const auto word = takeOperand()) {
             const Command* const subcommand = findSubcommand(*command_, *word);
             if (subcommand == nullptr) {
                 throw unknownSubcommand(*word);
@@ -48,22 +49,22 @@ void CommandLine::takeSubcommand() {
             command_ = subcommand;
         }
     }
-    take(command_->required);
-    take(command_->options);
+    takeOptions(command_->required);
+    takeOptions(command_->options);
 }
 
-void CommandLine::take(std::span<const Option* const> options) {
+void CommandLine::takeOptions(std::span<const Option* const> options) {
     for (const Option* const option : options) {
-        const auto before =
+        const auto earlier =
             std::find_if(taken_.begin(), taken_.end(), [=](const TakenOption& taken) {
                 return taken.option->word == option->word;
             });
-        if (before == taken_.end()) {
+        if (earlier == taken_.end()) {
             takeOption(*option);
         } else {
-            // It stood before the subcommand, whose row may describe the option differently. A
-            // repetition is left over and will be reported.
-            before->option = option;
+            // The option stood before the subcommand, and the subcommand's row may have another
+            // option with the same word. A repetition is left over and will be reported.
+            earlier->option = option;
         }
     }
 }
@@ -125,8 +126,8 @@ std::string CommandLine::pathOrCurrentDirectory(const Path& option) const {
     return path ? *std::move(path) : currentDirectory_->path();
 }
 
-std::string CommandLine::takeRequiredWord() {
-    auto word = takeFirstWord();
+std::string CommandLine::takeRequiredOperand() {
+    auto word = takeOperand();
     if (!word) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingValue{command_->name()});
     }
@@ -165,6 +166,11 @@ const Option* CommandLine::unfinishedOption() const {
                    !remaining().empty() && remaining().back() == option->word;
         });
     return unfinished == options.end() ? nullptr : *unfinished;
+}
+
+AgentCLIAction get(const CommandLine& line, const char* path) {
+    line.rejectLeftoverWords();
+    return {AgentCLIAction::get{path}};
 }
 
 AgentCLIAction parseCommand(std::vector<std::string> words,

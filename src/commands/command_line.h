@@ -21,31 +21,31 @@ enum class Validation { whenTaken, none };
 /// the options, and the command's parser takes the remaining words.
 ///
 /// A parser may only ask for options in its command's row; any other option throws
-/// std::logic_error. All functions that take or require something throw AgentCLIUsageError if the
-/// line does not contain it.
+/// std::logic_error. The functions below throw AgentCLIUsageError. Their comments give its case,
+/// for example `missingValue`.
 class CommandLine : public WordList {
 public:
     /// Finds the command and takes the options that may stand before a subcommand. Throws
-    /// AgentCLIUsageError `noCommand` or `unknownCommand`, or the error of a value that does not
-    /// validate. Keeps a reference to the current directory.
+    /// `noCommand` or `unknownCommand`, or like Option::validate(). Keeps a reference to the
+    /// current directory.
     CommandLine(std::vector<std::string> words, const CurrentDirectory& currentDirectory,
                 Validation validation = Validation::whenTaken);
 
     /// Takes the subcommand, if there is one, and the options of its row. Throws `unknownCommand`,
-    /// or the error of a value that does not validate.
+    /// or like Option::validate().
     ///
-    /// The first word that does not begin with "-" is the subcommand. There is one exception. If
-    /// the command alone takes a path, and that word and every other word that does not begin with
-    /// "-" look like paths (see looksLikePath()), then all of them are paths. So "settings ./site"
-    /// lists a project, a bare folder name must be typed as "./name", and a mistyped or forgotten
-    /// subcommand is still reported.
+    /// The first operand is the subcommand, with one exception: a line without a subcommand may
+    /// contain paths, if the command takes operands without a subcommand. All operands must then
+    /// look like paths (see looksLikePath()), and the first one must be the first remaining word.
+    /// So "settings ./site" lists a project, a bare folder name must be typed as "./name", and a
+    /// mistyped or forgotten subcommand is still reported.
     void takeSubcommand();
 
-    /// Returns the row of the subcommand, or of the command alone before takeSubcommand().
+    /// Returns the row of the subcommand; before takeSubcommand(), the row without a subcommand.
     [[nodiscard]] const Command& command() const { return *command_; }
 
-    /// Returns the text given with the option, or with any other option of the same word, or null.
-    /// Completion may ask for options that are not in the command's row.
+    /// Returns the text given with the option, or with another option of the same word, or null.
+    /// Unlike in the other functions, the option need not be in the command's row.
     [[nodiscard]] const std::string* find(const Option& option) const;
 
     /// Returns whether the option was given.
@@ -77,12 +77,11 @@ public:
     /// Returns the resolved path given with the option, or the current directory.
     [[nodiscard]] std::string pathOrCurrentDirectory(const Path& option) const;
 
-    /// Takes the first word that does not begin with "-". Throws `missingValue` with the command's
-    /// name if there is none.
-    std::string takeRequiredWord();
+    /// Takes the first operand. Throws `missingValue` with the command's name if there is none.
+    std::string takeRequiredOperand();
 
-    /// Returns the case with this word. Throws `unknownCommand` with the command's name and the
-    /// word if there is none.
+    /// Returns the enumeration's case with this name. Throws `unknownCommand` with the command's
+    /// name and the word if there is none.
     template <WireEnum Enumeration>
     [[nodiscard]] Enumeration subcommandNamed(const std::string& word) const {
         const auto named = fromWireName<Enumeration>(word);
@@ -99,8 +98,8 @@ public:
     /// Like takePaths(), but throws `missingPath` with the command's name if there is no word.
     std::vector<std::string> takeRequiredPaths();
 
-    /// Returns the first of takePaths(), or the current directory if there is none. Ignores further
-    /// paths.
+    /// Takes all remaining words like takePaths(). Returns the first path, or the current directory
+    /// if there is none. Ignores further paths.
     std::string takePathOrCurrentDirectory();
 
     /// Returns the option that is the last word and therefore lacks its value, or null.
@@ -109,7 +108,7 @@ public:
     [[nodiscard]] const CurrentDirectory& currentDirectory() const { return *currentDirectory_; }
 
 private:
-    void take(std::span<const Option* const> options);
+    void takeOptions(std::span<const Option* const> options);
     void takeOption(const Option& option);
     [[nodiscard]] AgentCLIUsageError unknownSubcommand(const std::string& word) const;
     [[nodiscard]] const std::string* givenText(const Option& option) const;
@@ -120,6 +119,9 @@ private:
     Validation validation_;
     std::vector<TakenOption> taken_;
 };
+
+/// Returns the action that gets the path. Throws if a word is left, like rejectLeftoverWords().
+AgentCLIAction get(const CommandLine& line, const char* path);
 
 /// Returns the action that a command line without its global options asks for. Throws
 /// AgentCLIUsageError, json::EncodingError or CurrentDirectoryError.

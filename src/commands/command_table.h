@@ -7,8 +7,8 @@
 
 namespace fernlow {
 
-/// Returns the rows of all commands, one family after the other. The row of a command alone stands
-/// before the rows of its subcommands.
+/// Returns the rows of all commands, one family after the other. A command's row with an empty
+/// subcommand stands before the rows of its subcommands.
 std::vector<const Command*> allCommands();
 
 /// Returns the row of the command with this word or alias, or null.

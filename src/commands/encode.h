@@ -35,7 +35,7 @@ concept WireRecord = requires(const Type& record) {
     record.wireFields();
 };
 
-/// Writes the members of one JSON object, with an overload for each type of member.
+/// Encodes one record. value() has an overload for each type of member.
 class RecordEncoder {
 public:
     template <WireRecord Record>
@@ -70,7 +70,7 @@ private:
         }
     }
 
-    // The error message for a value that cannot be written contains the member's name.
+    // The name is for the error message about a value that cannot be encoded.
     void value(std::string_view /*name*/, bool value) { json::appendBoolean(out_, value); }
     void value(std::string_view /*name*/, std::int64_t value) { json::appendInteger(out_, value); }
     void value(std::string_view /*name*/, std::uint64_t value) {

@@ -26,8 +26,7 @@ namespace {
 using namespace options;
 using namespace operands;
 
-constexpr auto onlyLanguage =
-    ofLanguage.describedAs("Only files of this language", "every language");
+constexpr auto onlyLanguage = language.describedAs("Only files of this language", "every language");
 constexpr Choice<AgentOutputAction> onlyAction{"--action", "Only files with this output action"};
 constexpr Flag folders{"--folders", "Include folders"};
 constexpr Flag shadowItems{"--shadow-items", "Include files imported from outside the project"};
@@ -63,7 +62,7 @@ AgentCLIAction parseFileSettings(CommandLine& line) {
     return post("/v1/files/settings", AgentPathRequest{line.takeRequiredPaths().front()});
 }
 
-constexpr Operand fileChanges{{ValueKind::fileSetting, "key=value"}, false, true};
+constexpr Operand fileChanges{.value = {ValueKind::fileSetting, "key=value"}, .repeats = true};
 constexpr auto setAction = onlyAction.describedAs("What becomes of the file");
 constexpr Path outputFolder{
     "--output-folder", {ValueKind::folder, "path"}, "Write the file's output into this folder"};
@@ -118,8 +117,8 @@ AgentCLIAction parseFileSet(CommandLine& line) {
     return post("/v1/files/set", patch);
 }
 
-constexpr Operand anyFile{{ValueKind::file, "file"}};
-constexpr auto fileLanguage = ofLanguage.describedAs("What the files of this language have");
+constexpr Operand anyFile{.value = {ValueKind::file, "file"}};
+constexpr auto fileLanguage = language.describedAs("What the files of this language have");
 
 AgentCLIAction parseFileSchema(CommandLine& line) {
     AgentFileSchemaRequest request;
@@ -133,7 +132,8 @@ AgentCLIAction parseFileSchema(CommandLine& line) {
     return post("/v1/files/schema", request);
 }
 
-constexpr Operand someFolders{{ValueKind::folder, "folder"}, true, true};
+constexpr Operand someFolders{
+    .value = {ValueKind::folder, "folder"}, .isRequired = true, .repeats = true};
 // Unlike the other timeouts, this timeout is sent as typed, whatever its size.
 constexpr auto unboundedTimeout = timeout.unbounded();
 

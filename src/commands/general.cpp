@@ -7,11 +7,6 @@ namespace fernlow {
 
 namespace {
 
-AgentCLIAction get(const CommandLine& line, const char* path) {
-    line.rejectLeftoverWords();
-    return {AgentCLIAction::get{path}};
-}
-
 AgentCLIAction parseStatus(CommandLine& line) {
     return get(line, "/v1/status");
 }

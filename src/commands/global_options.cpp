@@ -30,7 +30,7 @@ void GlobalOptions::take(std::vector<std::string>& words) {
         } else if ((*global)->value.kind == ValueKind::flag) {
             taken_.push_back({*global, ""});
         } else if (std::next(word) == words.end()) {
-            lackSocketPath_ = true;
+            lacksSocketPath_ = true;
         } else {
             taken_.push_back({*global, std::move(*++word)});
         }

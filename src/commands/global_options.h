@@ -12,8 +12,8 @@ namespace fernlow {
 /// value.
 class GlobalOptions {
 public:
-    /// Removes the global options from the words and adds them to those taken earlier. The last
-    /// --socket prevails.
+    /// Removes the global options from the words and adds them to the options taken earlier. The
+    /// last --socket prevails.
     void take(std::vector<std::string>& words);
 
     /// Returns whether the global option was given.
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] const std::string* socketPath() const;
 
     /// Returns whether the last word was --socket, which then lacks its value.
-    [[nodiscard]] bool lackSocketPath() const { return lackSocketPath_; }
+    [[nodiscard]] bool lacksSocketPath() const { return lacksSocketPath_; }
 
     /// Returns the global options in the order of the help text.
     static std::span<const Option* const> all();
@@ -32,7 +32,7 @@ private:
     [[nodiscard]] const std::string* valueOf(const Option& option) const;
 
     std::vector<TakenOption> taken_;
-    bool lackSocketPath_ = false;
+    bool lacksSocketPath_ = false;
 };
 
 } // namespace fernlow

@@ -55,9 +55,8 @@ Number clamped(Number number, const NumberRange& range) {
     return number;
 }
 
-std::string_view withoutBlanksAround(std::string_view text) {
-    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-    text.remove_prefix(begin);
+std::string_view trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
     return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
@@ -82,7 +81,7 @@ std::vector<std::size_t> indexesOfChoices(const Option& option, const std::strin
     while (begin <= text.size()) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
         const auto piece = std::string_view(text).substr(begin, end - begin);
-        const auto found = std::find(choices.begin(), choices.end(), withoutBlanksAround(piece));
+        const auto found = std::find(choices.begin(), choices.end(), trimmed(piece));
         if (found == choices.end()) {
             throw notANumber(option, piece);
         }

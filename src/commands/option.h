@@ -71,7 +71,7 @@ struct ValueDescription {
     ValueKind kind = ValueKind::flag;
     /// The placeholder in a synopsis, without angle brackets; for a number with a unit, the unit.
     std::string_view name{};
-    /// What applies when no value is given, in a few words. Numbers use range.defaultValue instead.
+    /// The default in a few words. Numbers use range.defaultValue instead.
     std::string_view defaultText{};
     std::span<const std::string_view> choices{};
     NumberRange range{};
@@ -88,15 +88,15 @@ struct Option {
     /// The option that contradicts this one. Only one option of a pair names the other.
     const Option* opposite = nullptr;
 
-    /// Throws `notANumber` if no command accepts the text: a malformed number, or a list with an
-    /// unknown choice. A single choice and a JSON text are validated when a parser reads them,
-    /// because other mistakes are reported first.
+    /// Throws AgentCLIUsageError `notANumber` for a malformed number, or for a list with an unknown
+    /// choice. Does not validate a single choice or a JSON text: a parser does so when it reads
+    /// them, because other mistakes are reported first.
     void validate(const std::string& text) const;
 };
 
 // NOLINTEND(readability-redundant-member-init)
 
-/// An option taken off a command line, with its value. A flag's value is empty.
+/// An option taken from a command line, with its value. A flag's value is empty.
 struct TakenOption {
     const Option* option;
     std::string value;
@@ -104,12 +104,12 @@ struct TakenOption {
 
 struct Flag : Option {
     constexpr Flag(std::string_view name, std::string_view meaning,
-                   const Option* contrary = nullptr)
-        : Option{name, {}, meaning, contrary} {}
+                   const Option* oppositeFlag = nullptr)
+        : Option{name, {}, meaning, oppositeFlag} {}
 };
 
-/// The options that several commands describe in different ways. Each description is an option of
-/// its own, derived from a shared one.
+/// The base of option types that several commands describe in different ways. Each description is
+/// an option of its own, made from a shared option.
 template <class Type>
 struct DescribedOption : Option {
     /// Returns this option with another summary and another text for its default.
@@ -137,7 +137,7 @@ struct Text : DescribedOption<Text> {
     }
 };
 
-/// A text that is sent as a resolved path.
+/// A text that is sent as a resolved path (see resolvePath()).
 struct Path : Option {
     constexpr Path(std::string_view name, ValueDescription description, std::string_view meaning)
         : Option{name, description, meaning} {}

@@ -21,18 +21,18 @@ inline constexpr WholeNumber settle{"--settle",
 inline constexpr WholeNumber limit{
     "--limit", "n", {.min = 1, .max = 5000, .defaultValue = 500}, "At most this many rows"};
 
-inline constexpr Text ofLanguage{
+inline constexpr Text language{
     "--language", {ValueKind::language, "name", "project-wide"}, "Which language's settings"};
-inline constexpr Text ofExtension{
+inline constexpr Text extension{
     "--extension", {ValueKind::extension, "ext"}, "Which user-defined language"};
-inline constexpr Path inProject{
+inline constexpr Path project{
     "--path", {ValueKind::project, "path", "this directory"}, "Which project"};
 
 } // namespace fernlow::options
 
 namespace fernlow::operands {
 
-inline constexpr Operand anyProject{{ValueKind::project, "path", "this directory"}};
-inline constexpr Operand oneFile{{ValueKind::file, "file"}, true};
+inline constexpr Operand anyProject{.value = {ValueKind::project, "path", "this directory"}};
+inline constexpr Operand oneFile{.value = {ValueKind::file, "file"}, .isRequired = true};
 
 } // namespace fernlow::operands

@@ -32,11 +32,11 @@ namespace {
 
 using namespace options;
 
-constexpr std::string_view choiceOfProject = "the project's own npm settings";
+constexpr std::string_view projectSettings = "the project's own npm settings";
 constexpr ChoiceList<AgentDependencyList> install{"--install", "Which lists to install from",
-                                                  choiceOfProject};
+                                                  projectSettings};
 constexpr ChoiceList<AgentDependencyList> saveTo{
-    "--save-to", "Which lists to record in; empty for none", choiceOfProject};
+    "--save-to", "Which lists to record in; empty for none", projectSettings};
 constexpr Flag exact{"--exact", "Record the exact version"};
 constexpr Flag noExact{"--no-exact", "Record a range of versions", &exact};
 constexpr Flag packageLock{"--package-lock", "Write package-lock.json"};
@@ -61,7 +61,7 @@ struct AgentPackageRequest {
 
 /// Returns whether the flag was given, or nothing if neither the flag nor its opposite was given.
 /// If both were given, the flag prevails.
-std::optional<bool> choice(const CommandLine& line, const Flag& flag, const Flag& opposite) {
+std::optional<bool> optionalFlag(const CommandLine& line, const Flag& flag, const Flag& opposite) {
     if (!line.has(flag) && !line.has(opposite)) {
         return std::nullopt;
     }
@@ -72,13 +72,13 @@ AgentCLIAction parsePackages(CommandLine& line) {
     AgentPackageRequest request;
     request.install = line.optionalValue(install);
     request.saveTo = line.optionalValue(saveTo);
-    request.exactVersions = choice(line, exact, noExact);
-    request.updatePackageLock = choice(line, packageLock, noPackageLock);
+    request.exactVersions = optionalFlag(line, exact, noExact);
+    request.updatePackageLock = optionalFlag(line, packageLock, noPackageLock);
     request.raiseVersionLimits = line.has(raiseLimits);
     request.wait = !line.has(noWait);
     request.timeoutSeconds = line.valueOrDefault(timeout);
-    request.path = line.pathOrCurrentDirectory(inProject);
-    request.action = line.subcommandNamed<AgentPackageAction>(line.takeRequiredWord());
+    request.path = line.pathOrCurrentDirectory(project);
+    request.action = line.subcommandNamed<AgentPackageAction>(line.takeRequiredOperand());
     request.packages = line.takeRemainingWords();
     return post("/v1/packages", request);
 }
@@ -109,15 +109,15 @@ AgentCLIAction parsePreview(CommandLine& line) {
     return post("/v1/preview", request);
 }
 
-constexpr Operand action{choiceOf<AgentPackageAction>("action"), true};
-constexpr Operand packageNames{{ValueKind::text, "pkg"}, false, true};
+constexpr Operand action{.value = choiceOf<AgentPackageAction>("action"), .isRequired = true};
+constexpr Operand packageNames{.value = {ValueKind::text, "pkg"}, .repeats = true};
 
 constexpr auto commands = std::to_array<Command>({
     {.word = "packages",
      .summary = "Run one npm operation in a project",
      .operands = operandList<action, packageNames>,
      .options = optionList<install, saveTo, exact, noExact, packageLock, noPackageLock, raiseLimits,
-                           noWait, timeout, inProject>,
+                           noWait, timeout, project>,
      .parse = parsePackages},
     {.word = "preview",
      .summary = "Open the preview address in a browser",

@@ -22,11 +22,10 @@ using namespace options;
 using namespace operands;
 
 AgentCLIAction parseProjects(CommandLine& line) {
-    line.rejectLeftoverWords();
-    return {AgentCLIAction::get{"/v1/projects"}};
+    return get(line, "/v1/projects");
 }
 
-constexpr Operand newProject{{ValueKind::folder, "path", "this directory"}};
+constexpr Operand newProject{.value = {ValueKind::folder, "path", "this directory"}};
 constexpr Flag framework{"--framework", "Add it as a framework"};
 
 struct AgentAddProjectRequest {
@@ -43,7 +42,7 @@ AgentCLIAction parseAdd(CommandLine& line) {
     return post("/v1/projects/add", request);
 }
 
-constexpr Operand oneProject{{ValueKind::project, "path"}, true};
+constexpr Operand oneProject{.value = {ValueKind::project, "path"}, .isRequired = true};
 
 AgentCLIAction parseRemove(CommandLine& line) {
     return post("/v1/projects/remove", AgentPathRequest{line.takeRequiredPaths().front()});
@@ -65,7 +64,7 @@ AgentCLIAction parseDisable(CommandLine& line) {
                 AgentEnabledRequest{line.takePathOrCurrentDirectory(), false});
 }
 
-constexpr Operand watchChange{choiceOf<WatchChange>("change"), true};
+constexpr Operand watchChange{.value = choiceOf<WatchChange>("change"), .isRequired = true};
 
 struct AgentWatchingRequest {
     bool paused = false;
@@ -73,7 +72,7 @@ struct AgentWatchingRequest {
 };
 
 AgentCLIAction parseWatch(CommandLine& line) {
-    const std::string word = line.takeRequiredWord();
+    const std::string word = line.takeRequiredOperand();
     line.rejectLeftoverWords();
     const auto change = line.subcommandNamed<WatchChange>(word);
     return post("/v1/watching", AgentWatchingRequest{change == WatchChange::pause});
@@ -81,21 +80,22 @@ AgentCLIAction parseWatch(CommandLine& line) {
 
 constexpr Text newGroup{"--name", {ValueKind::text, "text"}, "The group, instead of the word"};
 constexpr auto oldGroup = newGroup.ofKind(ValueKind::userGroup);
-constexpr Operand newGroupName{{ValueKind::text, "name"}, true, false, &newGroup};
-constexpr Operand oldGroupName{{ValueKind::userGroup, "name"}, true, false, &oldGroup};
-constexpr Operand otherGroupName{{ValueKind::text, "to"}, true};
+constexpr Operand newGroupName{
+    .value = {ValueKind::text, "name"}, .isRequired = true, .alternative = &newGroup};
+constexpr Operand oldGroupName{
+    .value = {ValueKind::userGroup, "name"}, .isRequired = true, .alternative = &oldGroup};
+constexpr Operand otherGroupName{.value = {ValueKind::text, "to"}, .isRequired = true};
 
 AgentCLIAction parseGroupList(CommandLine& line) {
-    line.rejectLeftoverWords();
-    return {AgentCLIAction::get{"/v1/groups"}};
+    return get(line, "/v1/groups");
 }
 
-/// Returns the name given with the option, or else takes the next word. An empty name counts as
-/// missing. Words after a group's name are ignored, unlike in all other commands.
+/// Returns the name given with the option, or else takes the next operand. An empty name counts as
+/// missing. Leaves the words after the name, which the commands for groups ignore.
 std::string takeGroupName(CommandLine& line, const Text& nameOption) {
     std::string name = line.optionalValue(nameOption).value_or("");
     if (name.empty()) {
-        name = line.takeFirstWord().value_or("");
+        name = line.takeOperand().value_or("");
     }
     if (name.empty()) {
         throw AgentCLIUsageError(
@@ -131,7 +131,7 @@ struct AgentGroupRenameRequest {
 AgentCLIAction parseGroupRename(CommandLine& line) {
     AgentGroupRenameRequest request;
     request.name = takeGroupName(line, oldGroup);
-    request.newName = line.takeFirstWord().value_or("");
+    request.newName = line.takeOperand().value_or("");
     if (request.newName.empty()) {
         throw AgentCLIUsageError(
             AgentCLIUsageError::missingValue{"a new name for \"" + request.name + "\""});
@@ -139,7 +139,7 @@ AgentCLIAction parseGroupRename(CommandLine& line) {
     return post("/v1/groups/rename", request);
 }
 
-constexpr Operand movableProject{{ValueKind::movableProject, "path", "this directory"}};
+constexpr Operand movableProject{.value = {ValueKind::movableProject, "path", "this directory"}};
 constexpr Text toGroup{
     "--group", {ValueKind::group, "name", "the permanent Projects group"}, "Which group"};
 

@@ -19,7 +19,7 @@ AgentCLIAction parseSettings(CommandLine& line) {
     return post("/v1/settings", AgentPathRequest{line.takePathOrCurrentDirectory()});
 }
 
-constexpr Operand projectChanges{{ValueKind::setting, "key=value"}, false, true};
+constexpr Operand projectChanges{.value = {ValueKind::setting, "key=value"}, .repeats = true};
 
 struct AgentSettingsPatch {
     std::string path;
@@ -37,9 +37,9 @@ struct AgentSettingsPatch {
 
 AgentCLIAction parseSettingsSet(CommandLine& line) {
     AgentSettingsPatch patch;
-    patch.path = line.pathOrCurrentDirectory(inProject);
-    patch.language = line.optionalValue(ofLanguage);
-    patch.fileExtension = line.optionalValue(ofExtension);
+    patch.path = line.pathOrCurrentDirectory(project);
+    patch.language = line.optionalValue(language);
+    patch.fileExtension = line.optionalValue(extension);
     SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
@@ -49,11 +49,11 @@ AgentCLIAction parseSettingsSet(CommandLine& line) {
 AgentCLIAction parseSettingsSchema(CommandLine& line) {
     AgentSettingsSchemaRequest request;
     request.path = line.takePathOrCurrentDirectory();
-    request.language = line.optionalValue(ofLanguage);
+    request.language = line.optionalValue(language);
     return post("/v1/settings/schema", request);
 }
 
-constexpr auto theLanguage = ofLanguage.describedAs("Which language's output paths");
+constexpr auto requiredLanguage = language.describedAs("Which language's output paths");
 
 struct AgentApplyOutputPathsRequest {
     std::string path;
@@ -65,18 +65,18 @@ struct AgentApplyOutputPathsRequest {
 
 AgentCLIAction parseApplyOutputPaths(CommandLine& line) {
     AgentApplyOutputPathsRequest request;
-    request.language = line.requiredValue(theLanguage);
+    request.language = line.requiredValue(requiredLanguage);
     request.path = line.takePathOrCurrentDirectory();
-    request.fileExtension = line.optionalValue(ofExtension);
+    request.fileExtension = line.optionalValue(extension);
     return post("/v1/settings/apply-output-paths", request);
 }
 
 AgentCLIAction parseDefaults(CommandLine& line) {
-    line.rejectLeftoverWords();
-    return {AgentCLIAction::get{"/v1/defaults"}};
+    return get(line, "/v1/defaults");
 }
 
-constexpr Operand defaultChanges{{ValueKind::defaultSetting, "key=value"}, false, true};
+constexpr Operand defaultChanges{.value = {ValueKind::defaultSetting, "key=value"},
+                                 .repeats = true};
 
 struct AgentDefaultsPatch {
     std::optional<std::string> language;
@@ -87,7 +87,7 @@ struct AgentDefaultsPatch {
 
 AgentCLIAction parseDefaultsSet(CommandLine& line) {
     AgentDefaultsPatch patch;
-    patch.language = line.optionalValue(ofLanguage);
+    patch.language = line.optionalValue(language);
     SettingChanges changes = takeChanges(line);
     patch.values = std::move(changes.values);
     patch.literals = std::move(changes.literals);
@@ -96,7 +96,7 @@ AgentCLIAction parseDefaultsSet(CommandLine& line) {
 
 AgentCLIAction parseDefaultsSchema(CommandLine& line) {
     line.rejectLeftoverWords();
-    return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{line.optionalValue(ofLanguage)});
+    return post("/v1/defaults/schema", AgentDefaultsSchemaRequest{line.optionalValue(language)});
 }
 
 constexpr std::string_view settings = "settings";
@@ -105,42 +105,42 @@ constexpr auto commands = std::to_array<Command>({
     {.word = settings,
      .summary = "Every setting a project holds",
      .operands = operandList<anyProject>,
-     .beforeSubcommand = optionList<ofLanguage, ofExtension, values>,
+     .beforeSubcommand = optionList<language, extension, values>,
      .parse = parseSettings},
     {.word = settings,
      .subcommand = "set",
      .summary = "Change settings, wholly or not at all",
      .operands = operandList<projectChanges>,
-     .options = optionList<ofLanguage, ofExtension, inProject, values>,
+     .options = optionList<language, extension, project, values>,
      .parse = parseSettingsSet},
     {.word = settings,
      .subcommand = "schema",
      .summary = "What settings exist, and what changing each one does",
      .operands = operandList<anyProject>,
-     .options = optionList<ofLanguage>,
+     .options = optionList<language>,
      .parse = parseSettingsSchema},
     {.word = settings,
      .subcommand = "apply-output-paths",
      .summary = "Recalculate the output paths of existing files",
      .operands = operandList<anyProject>,
-     .required = optionList<theLanguage>,
-     .options = optionList<ofExtension>,
+     .required = optionList<requiredLanguage>,
+     .options = optionList<extension>,
      .parse = parseApplyOutputPaths},
 
     {.word = defaults,
      .summary = "The settings a project added later will start with",
-     .beforeSubcommand = optionList<ofLanguage, values>,
+     .beforeSubcommand = optionList<language, values>,
      .parse = parseDefaults},
     {.word = defaults,
      .subcommand = "set",
      .summary = "Change the defaults, wholly or not at all",
      .operands = operandList<defaultChanges>,
-     .options = optionList<ofLanguage, values>,
+     .options = optionList<language, values>,
      .parse = parseDefaultsSet},
     {.word = defaults,
      .subcommand = "schema",
      .summary = "Which of those settings exist",
-     .options = optionList<ofLanguage>,
+     .options = optionList<language>,
      .parse = parseDefaultsSchema},
 });
 

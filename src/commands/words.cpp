@@ -34,7 +34,7 @@ std::optional<std::string> WordList::takeOptionValue(std::string_view option) {
     return value;
 }
 
-std::optional<std::string> WordList::takeFirstWord() {
+std::optional<std::string> WordList::takeOperand() {
     const auto found = std::find_if(words_.begin(), words_.end(),
                                     [](const std::string& word) { return !word.starts_with('-'); });
     if (found == words_.end()) {

@@ -26,16 +26,16 @@ public:
     /// Takes the flag and returns whether it was there.
     bool takeFlag(std::string_view flag);
 
-    /// Takes the option and the word after it, and returns that word.
+    /// Takes the option and the word after it, and returns the word.
     std::optional<std::string> takeOptionValue(std::string_view option);
 
-    /// Takes the first word that does not begin with "-", wherever it stands.
-    std::optional<std::string> takeFirstWord();
+    /// Takes the first operand: the first word that does not begin with "-", wherever it stands.
+    std::optional<std::string> takeOperand();
 
     /// Takes all words. Throws AgentCLIUsageError `unknownOption` if a word begins with "--".
     std::vector<std::string> takeRemainingWords();
 
-    /// Throws AgentCLIUsageError if a word is left: `unknownOption` if the first one begins with
+    /// Throws AgentCLIUsageError if a word is left: `unknownOption` if the first word begins with
     /// "-", otherwise `unexpectedArgument`.
     void rejectLeftoverWords() const;
 

@@ -147,7 +147,7 @@ AgentCLIAction parseRefresh(CommandLine& line) {
     return post("/v1/refresh", request);
 }
 
-/// Also the body of "check", whose AgentSyntaxCheckRequest has the same four fields.
+/// The body of "optimize", and of "check", whose AgentSyntaxCheckRequest has the same four fields.
 struct AgentOptimizeRequest {
     std::vector<std::string> paths;
     bool wait = true;
@@ -156,7 +156,7 @@ struct AgentOptimizeRequest {
     FERNLOW_WIRE_FIELDS(paths, wait, settleMilliseconds, timeoutSeconds)
 };
 
-AgentOptimizeRequest takeFileWork(CommandLine& line) {
+AgentOptimizeRequest takeFilesRequest(CommandLine& line) {
     AgentOptimizeRequest request;
     request.wait = !line.has(noWait);
     request.timeoutSeconds = line.valueOrDefault(timeout);
@@ -165,16 +165,16 @@ AgentOptimizeRequest takeFileWork(CommandLine& line) {
 }
 
 AgentCLIAction parseOptimize(CommandLine& line) {
-    return post("/v1/optimize", takeFileWork(line));
+    return post("/v1/optimize", takeFilesRequest(line));
 }
 
 AgentCLIAction parseCheck(CommandLine& line) {
-    return post("/v1/check", takeFileWork(line));
+    return post("/v1/check", takeFilesRequest(line));
 }
 
-constexpr Operand sources{{ValueKind::file, "path"}, true, true};
-constexpr Operand images{{ValueKind::file, "image"}, true, true};
-constexpr Operand scripts{{ValueKind::file, "file"}, true, true};
+constexpr Operand sources{.value = {ValueKind::file, "path"}, .isRequired = true, .repeats = true};
+constexpr Operand images{.value = {ValueKind::file, "image"}, .isRequired = true, .repeats = true};
+constexpr Operand scripts{.value = {ValueKind::file, "file"}, .isRequired = true, .repeats = true};
 
 constexpr auto commands = std::to_array<Command>({
     {.word = "process",

@@ -152,7 +152,7 @@ private:
                     return word.find('=') == std::string::npos;
                 }));
         }
-        if (first->option != nullptr && line_.whole()->find(*first->option) != nullptr) {
+        if (first->alternative != nullptr && line_.whole()->find(*first->alternative) != nullptr) {
             ++index;
         }
         if (index < operands.size()) {

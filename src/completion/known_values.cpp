@@ -192,7 +192,7 @@ private:
 
     /// Returns the path of the project that the command will use.
     [[nodiscard]] std::string project() const {
-        if (const auto path = given(options::inProject)) {
+        if (const auto path = given(options::project)) {
             return resolved(*path);
         }
         const auto& operands = line_.before()->command().operands;
@@ -263,7 +263,7 @@ private:
     }
 
     Rows settingsSchema(ValueKind kind) {
-        const auto language = given(options::ofLanguage);
+        const auto language = given(options::language);
         switch (kind) {
         case ValueKind::rowSetting:
             return askForRows("/v1/collections/schema",
@@ -287,7 +287,7 @@ private:
     /// the settings of every language, and it always lists the settings of rows in collections.
     [[nodiscard]] bool isChangeable(const json::Object& row, ValueKind kind) const {
         return kind == ValueKind::rowSetting || kind == ValueKind::fileSetting ||
-               (row.text("language") == given(options::ofLanguage).value_or("") &&
+               (row.text("language") == given(options::language).value_or("") &&
                 row.text("group").empty());
     }
 

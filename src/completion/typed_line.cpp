@@ -30,7 +30,7 @@ TypedLine::TypedLine(std::vector<std::string> words, std::size_t index,
     words.resize(index);
 
     globals_.take(words);
-    awaiting_ = globals_.lackSocketPath() ? &options::socket : nullptr;
+    awaiting_ = globals_.lacksSocketPath() ? &options::socket : nullptr;
     globals_.take(after);
     if (words.empty()) {
         return;
