@@ -70,7 +70,7 @@ Json renameProject(State& state, const Json& body) {
     return projectRow(project);
 }
 
-void requireKneditableGroup(const State& state, const std::string& name) {
+void requireGroup(const State& state, const std::string& name) {
     if (std::ranges::find(state.groups, name) == state.groups.end()) {
         throw Refusal("There is no group \"" + name + "\".");
     }
@@ -78,7 +78,7 @@ void requireKneditableGroup(const State& state, const std::string& name) {
 
 /// Returns the group. Throws Refusal if there is none or if it is permanent.
 std::string& editableGroup(State& state, const std::string& name) {
-    requireKneditableGroup(state, name);
+    requireGroup(state, name);
     if (name == permanentGroup || name == frameworkGroup) {
         throw Refusal("The group \"" + name + "\" is Fernlow's own and can't be changed.");
     }
@@ -98,7 +98,7 @@ std::string unusedGroupName(const State& state, const std::string& name) {
 Json moveProject(State& state, const Json& body) {
     Project& project = state.projectAt(body["path"]);
     const std::string group = body.value("group", std::string(permanentGroup));
-    requireKneditableGroup(state, group);
+    requireGroup(state, group);
     if (project.isFramework) {
         throw Refusal("A framework can't be moved.");
     }
