@@ -12,6 +12,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace fernlow::test {
 namespace {
@@ -48,14 +49,16 @@ constexpr Case cases[] = {
     {"log --errors-only --project ../site --limit 20 --since +7",
      "log {since:7,limit:20,projectPath:'../site',minimumSeverity:'error'}"},
     {"build", "build {path:'/p/src',wait:true,timeoutSeconds:600}"},
-    {"build a b --no-wait --clean",
-     "build {path:'/p/src/a',clean:true,wait:false,timeoutSeconds:600}"},
+    {"build a b --no-wait --clean --timeout 5",
+     "build {path:'/p/src/a',clean:true,wait:false,timeoutSeconds:5}"},
     {"refresh a b --no-wait --timeout 90000",
      "refresh {path:'/p/src/a',wait:false,settleMilliseconds:400,timeoutSeconds:86400}"},
     {"refresh a --all", "refresh {wait:true,settleMilliseconds:400,timeoutSeconds:600}"},
     {"optimize a.png /b.png",
      "optimize {paths:['/p/src/a.png','/b.png'],wait:true,settleMilliseconds:400,"
      "timeoutSeconds:600}"},
+    {"optimize a.png --no-wait --timeout 5",
+     "optimize {paths:['/p/src/a.png'],wait:false,settleMilliseconds:400,timeoutSeconds:5}"},
     {"check a.js --no-wait --timeout 90000",
      "check {paths:['/p/src/a.js'],wait:false,settleMilliseconds:400,timeoutSeconds:86400}"},
 
@@ -68,6 +71,7 @@ constexpr Case cases[] = {
     {"groups add Blog Extra -x", "groups/add {name:'Blog'}"},
     {"groups add --name '' Blog", "groups/add {name:'Blog'}"},
     {"groups -x remove -y Blog", "groups/remove {name:'Blog'}"},
+    {"groups remove --name Blog Extra", "groups/remove {name:'Blog'}"},
     {"groups rename Old New Extra", "groups/rename {name:'Old',newName:'New'}"},
     {"groups rename --name Old New", "groups/rename {name:'Old',newName:'New'}"},
     {R"(groups add ' "a" \b/ é ')", R"(groups/add {"name":" \"a\" \\b/ é "})"},
@@ -140,6 +144,8 @@ constexpr Case cases[] = {
     {"files schema --language sass", "files/schema {language:'sass'}"},
     {"files skip a ../b /c --action nonsense --values [",
      "files/skip {paths:['/p/src/a','/p/b','/c'],skipped:true,wait:true,timeoutSeconds:600}"},
+    {"files skip a --no-wait --timeout 90000",
+     "files/skip {paths:['/p/src/a'],skipped:true,wait:false,timeoutSeconds:90000}"},
     {"files unskip a --no-wait --timeout -2.5",
      "files/skip {paths:['/p/src/a'],skipped:false,wait:false,timeoutSeconds:-2.5}"},
 
@@ -205,17 +211,26 @@ TEST(CommandLines, BecomeRequests) {
     }
 }
 
-TEST(CommandLines, IncludeEveryCommand) {
+TEST(CommandLines, IncludeEveryCommandAndOption) {
     const CurrentDirectory here("/p");
-    std::set<const Command*> tried;
+    std::set<std::pair<const Command*, const Option*>> tried;
     for (const auto& [text, expected] : cases) {
         CommandLine line(splitWords(text), here);
         line.takeSubcommand();
-        tried.insert(&line.command());
+        tried.emplace(&line.command(), nullptr);
+        for (const Option* const option : line.command().allOptions()) {
+            tried.emplace(&line.command(), line.has(*option) ? option : nullptr);
+        }
     }
     for (const Command* const command : allCommands()) {
-        EXPECT_TRUE(tried.contains(command)) << "Add a case of \"" << command->name()
-                                             << "\" to `cases` in tests/command_lines_test.cpp.";
+        auto options = command->allOptions();
+        options.push_back(nullptr);
+        for (const Option* const option : options) {
+            EXPECT_TRUE(tried.contains({command, option}))
+                << "Add a case of \"" << command->name() << (option == nullptr ? "" : " ")
+                << (option == nullptr ? "" : option->word)
+                << "\" to `cases` in tests/command_lines_test.cpp.";
+        }
     }
 }
 
