@@ -2,10 +2,14 @@
 #include "commands/command_table.h"
 #include "commands/global_options.h"
 #include "support/command_line.h"
+#include "support/process.h"
+#include "support/temporary_folder.h"
+#include "transport/socket_client.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
+#include <sstream>
 #include <string>
 
 namespace fernlow::test {
@@ -87,6 +91,30 @@ TEST(CommandTable, EveryOptionAndOperandHasAnEffect) {
             EXPECT_TRUE(!operand->isRequired || !succeeds(command->name()))
                 << "The row of \"" << command->name() << "\" requires " << operand->value.name
                 << ", but the parser does not.";
+        }
+    }
+}
+
+TEST(CommandTable, TheStandInKnowsEveryRequest) {
+    const TemporaryFolder folder;
+    const StandIn standIn(folder.file("s"));
+    for (const Command* const command : allCommands()) {
+        std::string longest = wholeLine(*command);
+        for (const Option* const option : command->options) {
+            longest += sample(*option);
+        }
+        for (const std::string& line : {wholeLine(*command), longest}) {
+            std::istringstream request(outcome(line));
+            std::string method, path, body;
+            if (std::getline(request >> method >> path, body); path.empty()) {
+                continue;
+            }
+            const AgentReply reply =
+                AgentSocketClient({}).exchange(folder.file("s"), false, {method, path, body});
+            EXPECT_TRUE(reply.statusCode == 200 || reply.statusCode == 422)
+                << line << "\n"
+                << reply.body.view() << "\nThe rows of the stand-in are in "
+                << "tools/stand-in/*_endpoints.cpp, the types of members in endpoints.cpp there.";
         }
     }
 }

@@ -102,7 +102,7 @@ std::vector<std::pair<Member, bool>> membersOf(const Endpoint& endpoint) {
         name.resize(name.size() - (isOptional ? 1 : 0));
         const auto member = std::ranges::find(members(), name, &Member::name);
         if (member == members().end()) {
-            throw std::logic_error("no member is called " + name);
+            throw std::logic_error("members() does not list \"" + name + "\"");
         }
         result.emplace_back(*member, isOptional);
     }
@@ -168,8 +168,14 @@ const Endpoint& endpointFor(const Request& request) {
 /// Throws Refusal if a required member is missing, a member has a wrong value, or a member is not
 /// known.
 void requireMembers(const Json& body, const Endpoint& endpoint) {
-    std::size_t found = 0;
-    for (const auto& [member, isOptional] : membersOf(endpoint)) {
+    const auto known = membersOf(endpoint);
+    const auto nameOf = [](const std::pair<Member, bool>& each) { return each.first.name; };
+    for (const auto& given : body.items()) {
+        if (std::ranges::find(known, given.key(), nameOf) == known.end()) {
+            throw Refusal("The member \"" + given.key() + "\" is not known.", 400);
+        }
+    }
+    for (const auto& [member, isOptional] : known) {
         const auto value = body.find(member.name);
         if (value == body.end() && isOptional) {
             continue;
@@ -180,10 +186,6 @@ void requireMembers(const Json& body, const Endpoint& endpoint) {
         if (!isValid(*value, member)) {
             throw Refusal("The member \"" + member.name + "\" has a wrong value.", 400);
         }
-        ++found;
-    }
-    if (found < body.size()) {
-        throw Refusal("The request has members that are not known.", 400);
     }
 }
 
