@@ -84,7 +84,8 @@ TEST(CommandTable, EveryOptionAndOperandHasAnEffect) {
             const std::string longer = line + sample(*option);
             EXPECT_TRUE(succeeds(longer) && outcome(longer) != outcome(line))
                 << "The row of \"" << command->name() << "\" lists " << option->word
-                << ", so its parser must accept and use it.\n"
+                << ", so its parser must accept and use it. FERNLOW_WIRE_FIELDS of the request "
+                << "record must name the field.\n"
                 << longer << ": " << outcome(longer);
         }
         for (const Operand* const operand : command->operands) {

@@ -106,7 +106,8 @@ TEST(ManualPage, DescribesEveryCommandAndOption) {
         const std::string synopsis = synopsisOf(*row);
         markup += synopsis;
         EXPECT_EQ(entries.contains(command) ? entries.at(command) : "nothing", synopsis)
-            << "docs/fernlow.1 needs \".It Xo\", this synopsis, \".Xc\" and a description";
+            << "docs/fernlow.1 needs these lines and a description below them:\n.It Xo"
+            << std::regex_replace(synopsis, std::regex(R"( (\.[A-Z]))"), "\n$1") << "\n.Xc";
         for (const Option* const option : row->allOptions()) {
             const std::string word = " " + std::string(option->word);
             const std::string entry =

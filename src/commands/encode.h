@@ -120,8 +120,9 @@ std::string encode(const Record& record) {
 }
 
 /// Returns the action that posts the record. Throws like encode().
-template <WireRecord Record>
+template <class Record>
 AgentCLIAction post(std::string_view path, const Record& record) {
+    static_assert(WireRecord<Record>, "add FERNLOW_WIRE_FIELDS below the fields of the record");
     return {AgentCLIAction::post{std::string(path), encode(record)}};
 }
 

@@ -57,7 +57,7 @@ void copyFrom(int terminal, int file) {
 } // namespace
 
 std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
-    return stream << "status " << outcome.status << "\nstdout: " << outcome.standardOutput
+    return stream << "\nstatus " << outcome.status << "\nstdout: " << outcome.standardOutput
                   << "\nstderr: " << outcome.standardError;
 }
 
