@@ -1,6 +1,7 @@
 #include "support/process.h"
 
 #include "support/paths.h"
+
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
