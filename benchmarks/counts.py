@@ -1,37 +1,41 @@
-"""Counts that describe a run of a program and hardly depend on the machine's load."""
+"""Counts page faults, instructions and system calls, which hardly depend on the machine's load."""
 import os
 import re
 import shutil
 import subprocess
 import tempfile
 
-# perf repeats a run this often: where the system loads a program decides on a page fault or two.
+# The number of runs that perf measures. The addresses at which the system loads a program change
+# the number of page faults by one or two.
 PERF_RUNS = 60
 
 
 def page_faults(words):
-    """The mean number of page faults of a run, or None without perf or the right to use it."""
-    said = told_by("perf", lambda log: ["stat", "-x,", "-o", log, "-e", "page-faults",
-                                        "-r", str(PERF_RUNS), *words])
-    return number(r"^(\d+),[^,]*,page-faults", said)
+    """Returns the mean number of page faults of a run, or None without perf or the permission
+    to use it."""
+    text = log_of("perf", lambda log: ["stat", "-x,", "-o", log, "-e", "page-faults",
+                                       "-r", str(PERF_RUNS), *words])
+    return number(r"^(\d+),[^,]*,page-faults", text)
 
 
 def instructions(words):
-    """The instructions that a run executes outside the kernel, or None without valgrind."""
-    said = told_by("valgrind", lambda log: ["--tool=callgrind", "--callgrind-out-file=/dev/null",
-                                            f"--log-file={log}", *words])
-    return number(r"Collected : (\d+)", said)
+    """Returns the number of instructions that a run executes outside the kernel, or None without
+    valgrind."""
+    text = log_of("valgrind", lambda log: ["--tool=callgrind", "--callgrind-out-file=/dev/null",
+                                           f"--log-file={log}", *words])
+    return number(r"Collected : (\d+)", text)
 
 
 def system_calls(words):
-    """The system calls that a run makes, or None without strace."""
-    said = told_by("strace", lambda log: ["-f", "-c", "-o", log, *words])
-    # The line of sums: per cent, seconds, microseconds per call, calls, and errors if any.
-    return number(r"^100\.00\s+\S+\s+\S+\s+(\d+)\s.*total$", said)
+    """Returns the number of system calls that a run makes, or None without strace."""
+    text = log_of("strace", lambda log: ["-f", "-c", "-o", log, *words])
+    # The last line contains the sums: per cent, seconds, microseconds per call, calls, and errors
+    # if any.
+    return number(r"^100\.00\s+\S+\s+\S+\s+(\d+)\s.*total$", text)
 
 
 def libraries(program):
-    """The names of the shared libraries that a program loads."""
+    """Returns the names of the shared libraries that a program loads."""
     if not shutil.which("ldd"):
         return "(not listed: there is no ldd)"
     listed = subprocess.run(["ldd", program], capture_output=True, text=True, check=False).stdout
@@ -39,8 +43,9 @@ def libraries(program):
     return ", ".join(name for name in names if name[:3] == "lib") or "nothing"
 
 
-def told_by(tool, arguments_for):
-    """Returns the text that a tool writes to the log that its arguments name."""
+def log_of(tool, arguments_for):
+    """Runs a tool and returns its log, or an empty text without the tool or a log. The function
+    `arguments_for` takes the path of the log and returns the arguments of the tool."""
     if not shutil.which(tool):
         return ""
     with tempfile.TemporaryDirectory() as folder:

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view version = FERNLOW_VERSION;
 
-/// writeTextLine, or writeLine for JSON, which is written unchanged even to a terminal.
+/// Either writeTextLine or, for JSON, writeLine. JSON is written unchanged even to a terminal.
 using Writer = bool (*)(int descriptor, std::string_view text);
 
 void writeStandardError(const RunEnvironment& environment, std::string_view text,

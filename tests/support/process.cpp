@@ -1,6 +1,10 @@
 #include "support/process.h"
 
+#include "support/command_line.h"
 #include "support/paths.h"
+#include "support/temporary_folder.h"
+#include "transport/connection.h"
+#include "transport/socket_client_error.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -18,11 +22,6 @@
 #else
 #include <pty.h>
 #endif
-
-#include "support/command_line.h"
-#include "support/temporary_folder.h"
-#include "transport/connection.h"
-#include "transport/socket_client_error.h"
 
 namespace fernlow::test {
 
@@ -44,13 +43,15 @@ struct Streams {
     }
 };
 
-/// Copies the text on a pseudo-terminal to a file until its other side is closed, which read()
-/// reports as an error.
+/// Copies the text on a pseudo-terminal to a file until the program closes its side. read() then
+/// returns 0 or fails. Closes the terminal.
 void copyFrom(int terminal, int file) {
     std::array<char, 65536> buffer{};
-    for (ssize_t count = 1; count > 0;) {
-        count = ::read(terminal, buffer.data(), buffer.size());
-        count = count > 0 ? ::write(file, buffer.data(), static_cast<std::size_t>(count)) : count;
+    for (;;) {
+        const ssize_t count = ::read(terminal, buffer.data(), buffer.size());
+        if (count <= 0 || ::write(file, buffer.data(), static_cast<std::size_t>(count)) <= 0) {
+            break;
+        }
     }
     ::close(terminal);
 }

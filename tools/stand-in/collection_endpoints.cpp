@@ -28,24 +28,27 @@ Json& rowsOf(State& state, const Json& body) {
 }
 
 Json::iterator rowOf(Json& rows, const Json& body) {
-    const auto row =
-        std::ranges::find_if(rows, [&](const Json& each) { return each["id"] == body["id"]; });
-    if (row == rows.end()) {
+    const auto found =
+        std::ranges::find_if(rows, [&](const Json& row) { return row["id"] == body["id"]; });
+    if (found == rows.end()) {
         throw Refusal("There is no row " + body["id"].get<std::string>() + " of that kind.");
     }
-    return row;
+    return found;
 }
 
 Json addRow(State& state, const Json& body) {
     Json& rows = rowsOf(state, body);
     const std::string kind = body["kind"];
     const Json values = readPatch(body, {"", kind});
-    for (const auto& [member, owner, name] :
+    for (const auto& [member, kindWithMember, name] :
          {std::tuple("buildStepType", "buildSteps", "a type"),
           std::tuple("fileExtension", "userLanguages", "an extension")}) {
-        if (body.contains(member) != (kind == owner)) {
-            throw Refusal("A row of " + kind + (kind == owner ? " needs " : " can't have ") + name +
-                          ".");
+        const bool isRequired = kind == kindWithMember;
+        if (isRequired && !body.contains(member)) {
+            throw Refusal("A row of " + kind + " needs " + name + ".");
+        }
+        if (!isRequired && body.contains(member)) {
+            throw Refusal("A row of " + kind + " can't have " + name + ".");
         }
     }
     Json row = {{"id", std::to_string(++state.lastRowId)}};

@@ -9,8 +9,8 @@ namespace fernlow::standin {
 /// regular file or is larger than 16 MB. Follows links: a source may import files from anywhere.
 std::string textOf(const std::filesystem::path& file);
 
-/// Throws std::runtime_error if `file` does not exist or if links lead from it to a place outside
-/// the project's folder.
+/// Throws std::runtime_error if `file` does not exist, or if it is a link that leads out of the
+/// project's folder.
 void requireInside(const std::filesystem::path& project, const std::filesystem::path& file);
 
 /// Copies `source` to `output`, both of which lie in the project's folder, and creates the folders

@@ -75,18 +75,22 @@ void onCompleted(void* /*unused*/, MHD_Connection* /*unused*/, void** context,
     *context = nullptr;
 }
 
-/// Returns the number of connections for which there are enough descriptors, at most 4096. Raises
-/// the process's limit if necessary.
+/// Returns the number of connections for which there are enough descriptors: at least 64 and at
+/// most 4096. Raises the process's limit if necessary.
 unsigned connectionLimit() {
+    constexpr rlim_t minConnections = 64;
     constexpr rlim_t maxConnections = 4096;
+    // Descriptors for the files of projects and for the server itself.
     constexpr rlim_t reserved = 64;
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
-    limit.rlim_cur = std::max(limit.rlim_cur, std::min(maxConnections + reserved, limit.rlim_max));
+    const rlim_t wanted = std::min(maxConnections + reserved, limit.rlim_max);
+    limit.rlim_cur = std::max(limit.rlim_cur, wanted);
     setrlimit(RLIMIT_NOFILE, &limit);
     getrlimit(RLIMIT_NOFILE, &limit);
-    return static_cast<unsigned>(
-        std::min(maxConnections, std::max(limit.rlim_cur, 2 * reserved) - reserved));
+    // rlim_t is unsigned, so a small limit must not become negative.
+    const rlim_t available = limit.rlim_cur > reserved ? limit.rlim_cur - reserved : 0;
+    return static_cast<unsigned>(std::clamp(available, minConnections, maxConnections));
 }
 
 } // namespace

@@ -122,7 +122,10 @@ Json numberFrom(const std::string& text) {
 /// Converts `text` to a value of a type. Returns null or a discarded value if that is impossible.
 Json valueFromLiteral(const std::string& text, const std::string& type) {
     if (type == "boolean") {
-        return text == "true" ? Json(true) : text == "false" ? Json(false) : Json();
+        if (text == "true" || text == "false") {
+            return text == "true";
+        }
+        return Json();
     }
     if (type == "integer") {
         return numberFrom<std::int64_t>(text);
@@ -144,20 +147,32 @@ const Setting& settingNamed(const std::string& name, const Scope& scope) {
     return *found;
 }
 
+bool hasTypeOf(const Setting& setting, const Json& value) {
+    const std::string type = typeName(setting.defaultValue);
+    if (type == "decimal") {
+        return value.is_number();
+    }
+    if (type == "integer") {
+        return value.is_number_integer();
+    }
+    if (type == "list") {
+        const auto isText = [](const Json& element) { return element.is_string(); };
+        return value.is_array() && std::ranges::all_of(value, isText);
+    }
+    return value.type() == setting.defaultValue.type();
+}
+
 /// Returns `value`. Throws Refusal if it is not valid for the setting.
 Json validate(const Setting& setting, Json value) {
-    const std::string type = typeName(setting.defaultValue);
-    const auto isText = [](const Json& element) { return element.is_string(); };
-    const bool fits = type == "decimal"   ? value.is_number()
-                      : type == "integer" ? value.is_number_integer()
-                      : type == "list"    ? value.is_array() && std::ranges::all_of(value, isText)
-                                          : value.type() == setting.defaultValue.type();
-    if (!fits) {
-        throw Refusal("The setting \"" + setting.name + "\" needs a value of type " + type + ".");
+    if (!hasTypeOf(setting, value)) {
+        throw Refusal("The setting \"" + setting.name + "\" needs a value of type " +
+                      typeName(setting.defaultValue) + ".");
     }
     if (setting.name == "name" && value == "") {
         throw Refusal("The setting \"name\" can't be empty.");
     }
+    // Without choices or a range in the schema, the value itself is the only choice and both
+    // limits.
     const Json choices = setting.limits.value("choices", Json::array({value}));
     if (std::ranges::count(choices, value) == 0) {
         throw Refusal("The setting \"" + setting.name + "\" is one of " + choices.dump() + ".");
@@ -215,17 +230,17 @@ Json settingsSchema(const std::string& language) {
         return rows;
     }
     addSchemaRows(rows, {});
-    for (const auto& each : languages()) {
-        addSchemaRows(rows, {each, ""});
+    for (const std::string& name : languages()) {
+        addSchemaRows(rows, {name, ""});
     }
     return rows;
 }
 
 Json collectionSchema(const std::string& kind) {
     Json rows = Json::array();
-    for (const char* each : {"hooks", "buildSteps", "webpPresets", "userLanguages"}) {
-        if (kind.empty() || kind == each) {
-            addSchemaRows(rows, {"", each});
+    for (const char* collection : {"hooks", "buildSteps", "webpPresets", "userLanguages"}) {
+        if (kind.empty() || kind == collection) {
+            addSchemaRows(rows, {"", collection});
         }
     }
     return rows;
@@ -258,13 +273,13 @@ bool concernsNewFilesOnly(const std::string& name) {
 }
 
 std::vector<std::string> splitAtCommas(const std::string& text) {
-    std::vector<std::string> pieces;
+    std::vector<std::string> parts;
     for (std::size_t start = 0; start < text.size();) {
         const std::size_t comma = std::min(text.find(',', start), text.size());
-        pieces.push_back(text.substr(start, comma - start));
+        parts.push_back(text.substr(start, comma - start));
         start = comma + 1;
     }
-    return pieces;
+    return parts;
 }
 
 } // namespace fernlow::standin

@@ -19,8 +19,8 @@ Json settingsSchema(const std::string& language);
 /// Returns the schema rows for one kind of collection, or for all kinds if `kind` is empty.
 Json collectionSchema(const std::string& kind);
 
-/// The settings that a patch can change: those of a language or of a collection's rows. If both are
-/// empty, the settings of the project.
+/// The settings that a patch can change: the settings of a language, or of the rows of a
+/// collection. If both names are empty, the settings of the project.
 struct Scope {
     std::string language;
     std::string collection;
@@ -32,7 +32,7 @@ Json readPatch(const Json& patch, const Scope& scope);
 /// Returns whether a change of this setting affects only the output paths of new files.
 bool concernsNewFilesOnly(const std::string& name);
 
-/// Returns the pieces of `text` between commas. An empty text has none.
+/// Returns the parts of `text` between commas. Returns no parts for an empty text.
 std::vector<std::string> splitAtCommas(const std::string& text);
 
 } // namespace fernlow::standin

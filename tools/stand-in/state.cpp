@@ -54,10 +54,13 @@ void State::advance() {
     const auto now = Clock::now();
     std::set<fs::path> busy;
     std::erase_if(jobs, [&](Job& job) {
-        if (!busy.insert(job.project).second) {
+        // Only the first job of each project makes progress.
+        const bool isFirst = busy.insert(job.project).second;
+        if (!isFirst) {
             return false;
         }
-        if (job.nextStep == Clock::time_point{}) {
+        const bool hasStarted = job.nextStep != Clock::time_point{};
+        if (!hasStarted) {
             job.nextStep = now + workTime;
         }
         try {
@@ -105,7 +108,9 @@ fs::path absolutePath(const std::string& text) {
     if (!path.is_absolute()) {
         throw Refusal("The path \"" + text + "\" is not absolute.");
     }
-    return path.has_filename() || path == path.root_path() ? path : path.parent_path();
+    // A path that ends with a slash has no file name. Except for the root, remove the slash.
+    const bool endsWithSlash = !path.has_filename() && path != path.root_path();
+    return endsWithSlash ? path.parent_path() : path;
 }
 
 bool isWithin(const fs::path& path, const fs::path& folder) {
