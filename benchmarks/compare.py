@@ -38,7 +38,8 @@ COMPLETE = str(COPIES / "fernlow-complete")
 STATIC_FLOOR = [str(COPIES / "static-floor")] if HAS_TOOLCHAIN else []
 IN_TERMINAL, SERVER = str(BUILD / "benchmarks/in-terminal"), str(BUILD / "benchmarks/reply-server")
 
-# The replies, in the order of the tables, and the filter that makes fernlow's text of each.
+# The name of each reply, in the order of the tables, and the name of the jq filter that turns the
+# reply into the text that fernlow prints.
 FILTERS = {"status": "status", "work-report": "work-report", "settings-schema": "settings-schema",
            "files-500": "files", "log-5000": "log", "files-5000": "files", "files-1mb": "files",
            "files-50mb": "files"}
@@ -66,7 +67,8 @@ def build():
 
 
 def commands_for(name, socket):
-    """Returns fernlow's text of a reply, and the commands to measure for it: words by name."""
+    """Returns the text that fernlow prints for a reply, and the commands to measure with this
+    reply: a dictionary from the name of a command to its words."""
     jq = (BENCHMARKS / f"filters/{FILTERS[name]}.jq").read_text()
     curl = ["curl", "-sS", "--unix-socket", socket, "http://localhost/v1/status"]
     request = [socket, "/v1/status"]
@@ -88,7 +90,7 @@ def commands_for(name, socket):
 
 
 def check(name, commands, body, text):
-    """Returns sentences about commands that print something else than they should."""
+    """Returns a sentence about each command that prints an unexpected text."""
     wrong = []
     for command in ("floor", *(["static floor"] if STATIC_FLOOR else []), "fernlow --json", "curl"):
         if output_and_status(commands[command])[0].rstrip(b"\n") != body:
@@ -99,8 +101,8 @@ def check(name, commands, body, text):
 
 
 def count_runs(folder):
-    """Returns, by the name of a run: its page faults, instructions and system calls. Each is None
-    where it could not be counted."""
+    """Returns a dictionary from the name of a run to its numbers of page faults, instructions and
+    system calls. A number is None if it could not be counted."""
     floor = STATIC_FLOOR or [FLOOR]
     name = "static floor" if STATIC_FLOOR else "floor"
     runs = {f"status reply: {name}": [*floor, folder / "status", "/v1/status"],
@@ -141,7 +143,7 @@ def compare(folder, runs):
     typed = [FERNLOW, "--no-launch", "status"]
     if output_and_status(typed)[1] != 3:
         wrong.append("Somebody listens on the default socket.")
-    # Measured once, among the status replies.
+    # These commands need no reply. They are measured together with the status reply.
     alone = {"nothing": [IN_TERMINAL, shutil.which("true")], "fernlow as typed": typed,
              "floor": [FLOOR, str(folder / "nobody"), "/v1/status"]}
     for name in FILTERS:

@@ -49,7 +49,7 @@ void serveProbe(Connection& connection) {
 }
 
 TEST(Launch, CallsTheOpenerOnceAndRepeatsTheRequestOnce) {
-    const ScriptedPeer::Script reset = [](Connection& c) { c.awaitFirstByte(); };
+    const ScriptedPeer::Script reset = [](Connection& connection) { connection.awaitFirstByte(); };
     for (const bool answers : {true, false}) {
         ScriptedPeer peer({serveProbe, answers ? answerDone() : reset});
         // The application starts to listen some time after the opener has ended.
@@ -173,7 +173,7 @@ TEST(Launch, LetsTheOpenerInheritNoDescriptor) {
     expectNothingInherited();
 #ifdef SYS_close_range
     std::thread([] {
-        // A Linux that does not have this call yet.
+        // Old versions of Linux do not have this call.
         refuseCall(SYS_close_range, ~0U);
         expectNothingInherited();
         // No descriptor can be marked as close-on-exec.
@@ -193,7 +193,8 @@ TEST(Launch, LeavesNoSignalIgnoredOrBlocked) {
     sigaddset(&blocked, SIGTERM);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &formerMask);
     for (const std::string name : {"PIPE", "TERM"}) {
-        // Before the script's first child, because some shells unblock every signal when they wait.
+        // The script sends the signal before it starts a child, because some shells unblock every
+        // signal when they wait for a child.
         const Opener opener("echo begun >steps; kill -" + name + " $$; echo outlived >>steps");
         EXPECT_EQ(opener.run(missingSocket, 10ms), notRunning);
         EXPECT_EQ(opener.contents("steps"), "begun\n") << name;

@@ -79,8 +79,8 @@ private:
     }
 
     /// Returns the offset of the part in the source, or a number beyond the source's size if the
-    /// part is not in the source. Integers, because pointers into different arrays have no
-    /// difference.
+    /// part is not in the source. Subtracts integers, because the difference of pointers into
+    /// different arrays is undefined.
     [[nodiscard]] std::size_t sourceOffset(std::string_view part) const {
         return reinterpret_cast<std::uintptr_t>(part.data()) -
                reinterpret_cast<std::uintptr_t>(tape_.source.data());

@@ -13,7 +13,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The message for an infinite number or a NaN, after an opening quote and the number's name.
+/// The end of the message for an infinite number or a NaN. The message begins with a quote and the
+/// name of the number.
 inline constexpr const char* notFinite = "\" must be a finite number to be sent to Fernlow.";
 
 /// Appends the text as a JSON string with its quotes. Throws EncodingError if the text is not

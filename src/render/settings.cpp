@@ -42,7 +42,7 @@ void formatSettingValue(const json::Value& value, Lines& lines) {
     }
 }
 
-/// Adds the settings of each language under its name. Returns whether there were any.
+/// Adds the settings of each language under its name. Returns whether it added a line.
 bool renderLanguages(const json::Object& languages, Lines& lines) {
     bool hasLines = false;
     for (const auto [name, value] : languages.sortedMembers()) {

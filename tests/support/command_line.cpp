@@ -52,9 +52,10 @@ std::string outcome(std::string_view line, const std::string& currentDirectory) 
 }
 
 std::string replaceAll(std::string text, std::string_view piece, std::string_view replacement) {
-    for (std::size_t at = 0; (at = text.find(piece, at)) != std::string::npos;) {
-        text.replace(at, piece.size(), replacement);
-        at += replacement.size();
+    std::size_t index = text.find(piece);
+    while (index != std::string::npos) {
+        text.replace(index, piece.size(), replacement);
+        index = text.find(piece, index + replacement.size());
     }
     return text;
 }

@@ -12,11 +12,13 @@
 
 namespace fernlow::test {
 
-/// Makes a system call with this second argument fail with EPERM, for the rest of the thread's life
-/// and in the programs that it starts.
+/// Makes each system call `call` with this second argument fail with EPERM. This lasts until the
+/// current thread ends, and also applies to the programs that the thread starts.
 inline void refuseCall(unsigned call, unsigned secondArgument) {
     constexpr unsigned argumentOffset =
         offsetof(seccomp_data, args) + sizeof(seccomp_data::args[0]);
+    // A jump skips the given number of steps: the first number if the values are equal, the second
+    // number otherwise.
     sock_filter steps[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
                            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 3),
                            BPF_STMT(BPF_LD | BPF_W | BPF_ABS, argumentOffset),

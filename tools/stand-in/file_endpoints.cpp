@@ -52,9 +52,10 @@ Json listFiles(State& state, const Json& body) {
         if (body.value("outputAction", row["outputAction"]) != row["outputAction"]) {
             continue;
         }
-        if (total++ >= offset && std::ssize(page) < limit) {
+        if (total >= offset && std::ssize(page) < limit) {
             page.push_back(std::move(row));
         }
+        ++total;
     }
     const bool isTruncated = offset < total - std::ssize(page);
     return {{"files", std::move(page)},
@@ -98,8 +99,9 @@ Json setFile(State& state, const Json& body) {
         throw Refusal(file.string() + " has no settings.");
     }
     const Json applied = hasValues ? readPatch(body, {languageOf(file), ""}) : Json::object();
-    Json& choice =
-        project.fileChoices.try_emplace(file, Json{{"values", Json::object()}}).first->second;
+    // Keeps the earlier choices for the file, if there are any.
+    project.fileChoices.try_emplace(file, Json{{"values", Json::object()}});
+    Json& choice = project.fileChoices.at(file);
     choice["values"].update(applied);
     choice.update(output);
     return fileSettings(state, {{"path", file.string()}});
@@ -132,8 +134,9 @@ Json skipFolders(State& state, const Json& body) {
             project.skippedFolders.insert(folder);
         }
         std::string list;
-        for (const fs::path& each : project.skippedFolders) {
-            list += (list.empty() ? "" : ",") + each.lexically_relative(project.folder).string();
+        for (const fs::path& skippedFolder : project.skippedFolders) {
+            list += list.empty() ? "" : ",";
+            list += skippedFolder.lexically_relative(project.folder).string();
         }
         project.settings["project"]["skippedFoldersString"] = list;
         skipped.push_back(folder.string());

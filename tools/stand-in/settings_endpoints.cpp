@@ -14,7 +14,8 @@ Json applyPatch(Json& settings, const Json& body) {
     }
     const std::string language = body.value("language", "");
     Json applied = readPatch(body, {language, ""});
-    (language.empty() ? settings["project"] : settings["languages"][language]).update(applied);
+    Json& values = language.empty() ? settings["project"] : settings["languages"][language];
+    values.update(applied);
     return applied;
 }
 

@@ -40,7 +40,8 @@ struct Project { // NOLINT(bugprone-exception-escape): moving a JSON value only 
     /// The languages' settings that output paths are computed from. Changes of some settings apply
     /// only once "settings apply-output-paths" copies them here.
     Json appliedLanguages;
-    /// What "files set" has changed, by file: outputAction, outputFolder, outputFilename, values.
+    /// The choices made with "files set", by file: outputAction, outputFolder, outputFilename,
+    /// values.
     std::map<fs::path, Json> fileChoices;
     std::set<fs::path> skippedFolders;
     /// Rows by kind of collection: {kind: [{"id", "values"}]}
@@ -89,9 +90,10 @@ struct State {
     std::chrono::milliseconds workTime{0};
 };
 
-/// Return whether there is a file or a folder at `path`. Other errors than a missing file also mean
-/// that there is none, such as a name that is too long.
+/// Returns whether there is a regular file at `path`. After any error, such as a name that is too
+/// long, returns false.
 bool isFile(const fs::path& path);
+/// Returns whether there is a folder at `path`. After any error, returns false.
 bool isFolder(const fs::path& path);
 /// Returns whether `text` can be part of a path, which contains no control characters. The system
 /// would cut a path at a NUL character and use the folder before it.

@@ -20,9 +20,9 @@ private:
     int descriptor_ = -1;
 };
 
-/// A listening Unix-domain stream socket to which only this user can connect. Its lock file ensures
-/// that of several processes that start at the same time only one replaces a socket that a killed
-/// process left behind.
+/// A listening Unix-domain stream socket to which only this user can connect. A killed process does
+/// not remove its socket, so the next process replaces it. A lock file ensures that only one
+/// process does so at a time.
 class ListeningSocket {
 public:
     /// Binds to `path` and listens. Throws std::runtime_error if another process listens there, if
