@@ -21,7 +21,7 @@ namespace {
 using namespace options;
 using namespace operands;
 
-constexpr auto onlyKind = kind.describedAs("Only this kind of row", "every kind");
+constexpr auto onlyKind = describedAs(kind, "Only this kind of row", "every kind");
 
 AgentCLIAction parseCollections(CommandLine& line) {
     AgentCollectionListRequest request;
@@ -33,7 +33,7 @@ AgentCLIAction parseCollections(CommandLine& line) {
 constexpr Choice<AgentBuildStepType> type{"--type",
                                           "The type of a new build step, which needs one"};
 constexpr auto newExtension =
-    extension.ofKind(ValueKind::text).describedAs("The extension of a new user-defined language");
+    describedAs(extension.ofKind(ValueKind::text), "The extension of a new user-defined language");
 
 struct AgentCollectionAddRequest {
     std::string path;

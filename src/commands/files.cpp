@@ -26,7 +26,8 @@ namespace {
 using namespace options;
 using namespace operands;
 
-constexpr auto onlyLanguage = language.describedAs("Only files of this language", "every language");
+constexpr auto onlyLanguage =
+    describedAs(language, "Only files of this language", "every language");
 constexpr Choice<AgentOutputAction> onlyAction{"--action", "Only files with this output action"};
 constexpr Flag folders{"--folders", "Include folders"};
 constexpr Flag shadowItems{"--shadow-items", "Include files imported from outside the project"};
@@ -63,7 +64,7 @@ AgentCLIAction parseFileSettings(CommandLine& line) {
 }
 
 constexpr Operand fileChanges{.value = {ValueKind::fileSetting, "key=value"}, .repeats = true};
-constexpr auto setAction = onlyAction.describedAs("What becomes of the file");
+constexpr auto setAction = describedAs(onlyAction, "What becomes of the file");
 constexpr Path outputFolder{
     "--output-folder", {ValueKind::folder, "path"}, "Write the file's output into this folder"};
 constexpr Text outputName{
@@ -80,17 +81,14 @@ struct AgentFilePatch {
     FERNLOW_WIRE_FIELDS(path, outputAction, outputFolder, outputFilename, values, literals)
 };
 
-/// Takes the only file from the words of "files set" and leaves the settings. A word with "=" is a
-/// setting, so "files set" cannot change a file with "=" in its name.
+/// Takes the only file from the words of "files set" and leaves the settings. A file with "=" in
+/// its name would be read as a setting.
 std::string takeFileWord(std::vector<std::string>& words, const Command& command) {
-    const auto isSetting = [](const std::string& word) {
-        return word.find('=') != std::string::npos;
-    };
-    const auto file = std::find_if_not(words.begin(), words.end(), isSetting);
+    const auto file = std::find_if_not(words.begin(), words.end(), isSettingWord);
     if (file == words.end()) {
         throw AgentCLIUsageError(AgentCLIUsageError::missingPath{command.name()});
     }
-    const auto another = std::find_if_not(file + 1, words.end(), isSetting);
+    const auto another = std::find_if_not(file + 1, words.end(), isSettingWord);
     if (another != words.end()) {
         throw AgentCLIUsageError(AgentCLIUsageError::unexpectedArgument{*another});
     }
@@ -118,7 +116,7 @@ AgentCLIAction parseFileSet(CommandLine& line) {
 }
 
 constexpr Operand anyFile{.value = {ValueKind::file, "file"}};
-constexpr auto fileLanguage = language.describedAs("What the files of this language have");
+constexpr auto fileLanguage = describedAs(language, "What the files of this language have");
 
 AgentCLIAction parseFileSchema(CommandLine& line) {
     AgentFileSchemaRequest request;

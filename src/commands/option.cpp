@@ -60,15 +60,20 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
+/// Returns the index of the choice. Throws `notANumber` with the typed text if there is none.
+std::size_t indexOf(std::string_view choice, const Option& option, std::string_view typed) {
+    const auto& choices = option.value.choices;
+    const auto found = std::find(choices.begin(), choices.end(), choice);
+    if (found == choices.end()) {
+        throw notANumber(option, typed);
+    }
+    return static_cast<std::size_t>(found - choices.begin());
+}
+
 } // namespace
 
 std::size_t indexOfChoice(const Option& option, const std::string& text) {
-    const auto& choices = option.value.choices;
-    const auto found = std::find(choices.begin(), choices.end(), text);
-    if (found == choices.end()) {
-        throw notANumber(option, text);
-    }
-    return static_cast<std::size_t>(found - choices.begin());
+    return indexOf(text, option, text);
 }
 
 std::vector<std::size_t> indexesOfChoices(const Option& option, const std::string& text) {
@@ -76,16 +81,11 @@ std::vector<std::size_t> indexesOfChoices(const Option& option, const std::strin
     if (text.empty()) {
         return indexes;
     }
-    const auto& choices = option.value.choices;
     std::size_t begin = 0;
     while (begin <= text.size()) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
         const auto piece = std::string_view(text).substr(begin, end - begin);
-        const auto found = std::find(choices.begin(), choices.end(), trimmed(piece));
-        if (found == choices.end()) {
-            throw notANumber(option, piece);
-        }
-        indexes.push_back(static_cast<std::size_t>(found - choices.begin()));
+        indexes.push_back(indexOf(trimmed(piece), option, piece));
         begin = end + 1;
     }
     return indexes;

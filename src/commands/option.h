@@ -2,6 +2,7 @@
 
 #include "commands/wire_names.h"
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -108,25 +109,20 @@ struct Flag : Option {
         : Option{name, {}, meaning, oppositeFlag} {}
 };
 
-/// The base of option types that several commands describe in different ways. Each description is
-/// an option of its own, made from a shared option.
-template <class Type>
-struct DescribedOption : Option {
-    /// Returns this option with another summary and another text for its default.
-    [[nodiscard]] constexpr Type describedAs(std::string_view otherSummary,
-                                             std::string_view defaultText = {}) const {
-        Type variant = static_cast<const Type&>(*this);
-        variant.summary = otherSummary;
-        variant.value.defaultText = defaultText;
-        return variant;
-    }
-};
+/// Returns a copy of the option with another summary and another text for its default.
+template <std::derived_from<Option> Type>
+constexpr Type describedAs(Type option, std::string_view summary,
+                           std::string_view defaultText = {}) {
+    option.summary = summary;
+    option.value.defaultText = defaultText;
+    return option;
+}
 
 /// A text that is sent as typed.
-struct Text : DescribedOption<Text> {
+struct Text : Option {
     using Value = std::string;
     constexpr Text(std::string_view name, ValueDescription description, std::string_view meaning)
-        : DescribedOption{{name, description, meaning}} {}
+        : Option{name, description, meaning} {}
     [[nodiscard]] static std::string read(const std::string& text) { return text; }
 
     /// Returns this option with values of another kind.
@@ -179,10 +175,10 @@ struct Decimal : Option {
 };
 
 /// A position in the log: a whole number that is not negative.
-struct Cursor : DescribedOption<Cursor> {
+struct Cursor : Option {
     using Value = std::uint64_t;
     constexpr Cursor(std::string_view name, std::string_view meaning)
-        : DescribedOption{{name, {ValueKind::logCursor, "cursor"}, meaning}} {}
+        : Option{name, {ValueKind::logCursor, "cursor"}, meaning} {}
     [[nodiscard]] std::uint64_t read(const std::string& text) const;
 };
 
@@ -202,11 +198,11 @@ constexpr ValueDescription choiceOf(std::string_view name, std::string_view defa
 
 /// One case of an enumeration.
 template <WireEnum Enumeration>
-struct Choice : DescribedOption<Choice<Enumeration>> {
+struct Choice : Option {
     using Value = Enumeration;
     constexpr Choice(std::string_view name, std::string_view meaning,
                      std::string_view defaultText = {})
-        : DescribedOption<Choice>{{name, choiceOf<Enumeration>("name", defaultText), meaning}} {}
+        : Option{name, choiceOf<Enumeration>("name", defaultText), meaning} {}
     [[nodiscard]] Enumeration read(const std::string& text) const {
         return static_cast<Enumeration>(indexOfChoice(*this, text));
     }

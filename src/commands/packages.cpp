@@ -62,10 +62,10 @@ struct AgentPackageRequest {
 /// Returns whether the flag was given, or nothing if neither the flag nor its opposite was given.
 /// If both were given, the flag prevails.
 std::optional<bool> optionalFlag(const CommandLine& line, const Flag& flag, const Flag& opposite) {
-    if (!line.has(flag) && !line.has(opposite)) {
-        return std::nullopt;
+    if (line.has(flag)) {
+        return true;
     }
-    return line.has(flag);
+    return line.has(opposite) ? std::optional(false) : std::nullopt;
 }
 
 AgentCLIAction parsePackages(CommandLine& line) {

@@ -157,7 +157,7 @@ AgentCLIAction parseMove(CommandLine& line) {
     return post("/v1/projects/move", request);
 }
 
-constexpr auto projectName = newGroup.describedAs("What to call the project");
+constexpr auto projectName = describedAs(newGroup, "What to call the project");
 
 struct AgentProjectRenameRequest {
     std::string path;

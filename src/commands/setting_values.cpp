@@ -58,6 +58,10 @@ std::optional<SettingValues> decodeSettingValues(std::string_view text) {
 
 } // namespace
 
+bool isSettingWord(std::string_view word) {
+    return word.find('=') != std::string_view::npos;
+}
+
 SettingLiterals parseLiteralWords(const std::vector<std::string>& words) {
     SettingLiterals literals;
     for (const std::string& word : words) {

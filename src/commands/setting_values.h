@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -36,6 +37,10 @@ struct SettingChanges {
     /// The texts after "=" as typed, from key=value words.
     SettingLiterals literals;
 };
+
+/// Returns whether the word contains "=". A command that changes settings reads this word as a
+/// setting.
+bool isSettingWord(std::string_view word);
 
 /// Reads key=value words. The first "=" ends the key. The last word for a key prevails. Throws
 /// `unexpectedArgument` with the first word that has no "=" or no key.

@@ -53,7 +53,7 @@ AgentCLIAction parseSettingsSchema(CommandLine& line) {
     return post("/v1/settings/schema", request);
 }
 
-constexpr auto requiredLanguage = language.describedAs("Which language's output paths");
+constexpr auto requiredLanguage = describedAs(language, "Which language's output paths");
 
 struct AgentApplyOutputPathsRequest {
     std::string path;

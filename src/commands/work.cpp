@@ -76,7 +76,7 @@ AgentCLIAction parseWait(CommandLine& line) {
     return post("/v1/wait", request);
 }
 
-constexpr auto logSince = since.describedAs(since.summary, "0, the oldest entries");
+constexpr auto logSince = describedAs(since, since.summary, "0, the oldest entries");
 // The log also has entries of projects that no longer exist, so the path is sent as typed.
 constexpr auto projectAsTyped = onlyProject.asTyped();
 constexpr Flag errorsOnly{"--errors-only", "Only errors"};

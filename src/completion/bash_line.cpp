@@ -164,7 +164,12 @@ private:
     /// end than bash. This does no harm: in a line that bash expands, only the program's own words
     /// are offered, and they need no quotes.
     void skipSubstitution(char begin) {
-        const char end = begin == '(' ? ')' : begin == '{' ? '}' : begin;
+        char end = begin;
+        if (begin == '(') {
+            end = ')';
+        } else if (begin == '{') {
+            end = '}';
+        }
         std::size_t depth = 1;
         while (next_ < line_.size()) {
             const char character = line_[next_++];

@@ -1,6 +1,7 @@
 #include "completion/completion.h"
 
 #include "commands/command_table.h"
+#include "commands/setting_values.h"
 #include "commands/usage_error.h"
 #include "completion/disk_names.h"
 #include "completion/known_values.h"
@@ -142,15 +143,13 @@ private:
         const Operand* const last = operands.back();
         std::size_t index = line_.before()->remaining().size();
         if (isSetting(last->value.kind)) {
-            // A word with "=" is a setting. Settings may also stand before the file.
-            if (line_.current().find('=') != std::string::npos) {
+            // Settings may also stand before the file.
+            if (isSettingWord(line_.current())) {
                 return last;
             }
             const auto& words = line_.whole()->remaining();
-            index = static_cast<std::size_t>(
-                std::count_if(words.begin(), words.end(), [](const std::string& word) {
-                    return word.find('=') == std::string::npos;
-                }));
+            index = words.size() - static_cast<std::size_t>(
+                                       std::count_if(words.begin(), words.end(), isSettingWord));
         }
         if (first->alternative != nullptr && line_.whole()->find(*first->alternative) != nullptr) {
             ++index;
@@ -213,23 +212,28 @@ private:
     }
 
     void addKnownValues(ValueKind kind) {
+        auto known = knownValuesIfPossible(kind);
+        std::erase_if(
+            known, [this](const Candidate& candidate) { return !isReadAsValue(candidate.value); });
+        auto& candidates = completions_.candidates;
+        const std::size_t count = candidates.size();
+        addNames(candidates, known, "", line_.current(), context_.shell);
+        // A project must not be offered a second time as a folder, because Tab would then not
+        // complete it. The matching names come first.
+        if (candidates.size() > count && candidates[count].value.starts_with(line_.current())) {
+            completions_.paths = PathKind::none;
+        }
+    }
+
+    [[nodiscard]] std::vector<Candidate> knownValuesIfPossible(ValueKind kind) const {
         try {
-            auto known = knownValues(kind, line_, context_);
-            std::erase_if(known, [this](const Candidate& candidate) {
-                return !isReadAsValue(candidate.value);
-            });
-            auto& candidates = completions_.candidates;
-            const std::size_t count = candidates.size();
-            addNames(candidates, known, "", line_.current(), context_.shell);
-            // A project must not be offered a second time as a folder, because Tab would then not
-            // complete it. The matching names come first.
-            if (candidates.size() > count && candidates[count].value.starts_with(line_.current())) {
-                completions_.paths = PathKind::none;
-            }
+            return knownValues(kind, line_, context_);
         } catch (const json::EncodingError&) {
             // A word of the line is not UTF-8.
+            return {};
         } catch (const CurrentDirectoryError&) {
             // There is no project to ask about.
+            return {};
         }
     }
 

@@ -2,6 +2,7 @@
 
 #include "commands/options.h"
 #include "commands/requests.h"
+#include "commands/setting_values.h"
 #include "json/document.h"
 #include "transport/connection.h"
 #include "transport/http.h"
@@ -54,11 +55,9 @@ std::string describeSetting(const json::Object& row) {
 /// Returns the setting's choices, which are texts or numbers.
 json::List<std::string_view> choicesOf(const json::Object& row) {
     const auto choices = row.find("choices");
-    if (!choices) {
-        return {};
-    }
-    const auto texts = choices->texts();
-    return texts ? *texts : choices->numberLiterals().value_or(json::List<std::string_view>());
+    const auto texts = choices ? choices->texts() : std::nullopt;
+    const auto numbers = choices ? choices->numberLiterals() : std::nullopt;
+    return texts.value_or(numbers.value_or(json::List<std::string_view>()));
 }
 
 /// Returns "key=value" for each value that the setting may have.
@@ -72,10 +71,6 @@ Candidates valuesOf(const json::Object& row) {
         candidates = {{start + "true", ""}, {start + "false", ""}};
     }
     return candidates;
-}
-
-bool hasKey(const std::string& word) {
-    return word.find('=') != std::string::npos;
 }
 
 std::string keyOf(const std::string& word) {
@@ -167,13 +162,13 @@ private:
             if (name.empty() || !isChangeable(row, kind)) {
                 continue;
             }
-            if (hasKey(typed) && name == keyOf(typed)) {
+            if (isSettingWord(typed) && name == keyOf(typed)) {
                 return valuesOf(row);
             }
             const bool isGiven =
                 std::any_of(words_.begin(), words_.end(),
                             [&](const std::string& word) { return keyOf(word) == name; });
-            if (!hasKey(typed) && !isGiven) {
+            if (!isSettingWord(typed) && !isGiven) {
                 candidates.push_back({name + "=", describeSetting(row)});
             }
         }
@@ -186,20 +181,17 @@ private:
         return text == nullptr ? std::nullopt : std::optional(*text);
     }
 
-    [[nodiscard]] std::string resolved(std::string_view path) const {
-        return resolvePath(path, context_.currentDirectory);
-    }
-
     /// Returns the path of the project that the command will use.
     [[nodiscard]] std::string project() const {
         if (const auto path = given(options::project)) {
-            return resolved(*path);
+            return resolvePath(*path, context_.currentDirectory);
         }
         const auto& operands = line_.before()->command().operands;
         const bool takesProject =
             !operands.empty() && operands.front()->value.kind == ValueKind::project;
-        return takesProject && !words_.empty() ? resolved(words_.front())
-                                               : context_.currentDirectory.path();
+        return takesProject && !words_.empty()
+                   ? resolvePath(words_.front(), context_.currentDirectory)
+                   : context_.currentDirectory.path();
     }
 
     [[nodiscard]] std::optional<AgentCollectionKind> collectionKind() const {
@@ -213,11 +205,10 @@ private:
             return defaultSocketPath();
         }
         // The shell expands a "~" only when it runs the line.
-        return socket->starts_with('~') ? resolved(*socket) : *socket;
+        return socket->starts_with('~') ? resolvePath(*socket, context_.currentDirectory) : *socket;
     }
 
-    /// Returns the "result" of the reply, or nothing if the request fails. A request with a body is
-    /// a POST.
+    /// Returns the "result" of the reply, if there is one. A request with a body is a POST.
     std::optional<json::Value> ask(std::string_view path, std::string_view body) {
         // Larger than any real list, and parsed within a few hundredths of a second.
         constexpr std::size_t maxReplySize = std::size_t{4} * 1024 * 1024;
@@ -244,8 +235,7 @@ private:
         return result ? result->object() : std::nullopt;
     }
 
-    /// Returns a candidate for each row of the project's collections: the row's member with the
-    /// given name.
+    /// Returns the named member of each row of the project's collections.
     Candidates collectionRows(std::string_view member,
                               const std::optional<AgentCollectionKind>& kind) {
         const auto collections =
@@ -271,11 +261,12 @@ private:
         case ValueKind::defaultSetting:
             return askForRows("/v1/defaults/schema", encode(AgentDefaultsSchemaRequest{language}));
         case ValueKind::fileSetting: {
-            const auto file = std::find_if_not(words_.begin(), words_.end(), hasKey);
+            const auto file = std::find_if_not(words_.begin(), words_.end(), isSettingWord);
             return file == words_.end()
                        ? Rows()
                        : askForRows("/v1/files/schema",
-                                    encode(AgentFileSchemaRequest{resolved(*file), {}}));
+                                    encode(AgentFileSchemaRequest{
+                                        resolvePath(*file, context_.currentDirectory), {}}));
         }
         default:
             return askForRows("/v1/settings/schema",

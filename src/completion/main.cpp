@@ -64,7 +64,7 @@ Lines completeWords(const Lines& arguments, const CompletionContext& context) {
         lines.push_back(lineFor(completions.paths));
     }
     for (const auto& [value, description] : completions.candidates) {
-        lines.push_back(value + "\t" + description);
+        lines.push_back(std::string(value).append("\t").append(description));
     }
     return lines;
 }
