@@ -24,11 +24,12 @@ std::string sample(const Option& option) {
                                                             {ValueKind::logCursor, " 7"},
                                                             {ValueKind::json, R"( {"k":7})"}};
     const auto& [kind, name, defaultText, choices, range] = option.value;
+    const std::string word = " " + std::string(option.word);
+    if (!choices.empty()) {
+        return word + " " + std::string(choices.back());
+    }
     const auto found = values.find(kind);
-    return " " + std::string(option.word) +
-           (!choices.empty()        ? " " + std::string(choices.back())
-            : found == values.end() ? " ./option"
-                                    : found->second);
+    return word + (found == values.end() ? " ./option" : found->second);
 }
 
 /// Returns a line with the command's operands and required options, without one of these options.
@@ -37,8 +38,11 @@ std::string wholeLine(const Command& command, const Option* without = nullptr) {
     for (const Operand* const operand : command.operands) {
         const auto& choices = operand->value.choices;
         const bool isSetting = operand->value.name == "key=value";
-        line += " " + (choices.empty() ? isSetting ? "key=value" : "./operand"
-                                       : std::string(choices.front()));
+        if (!choices.empty()) {
+            line += " " + std::string(choices.front());
+        } else {
+            line += isSetting ? " key=value" : " ./operand";
+        }
     }
     for (const Option* const option : command.required) {
         line += option != without ? sample(*option) : "";
@@ -100,14 +104,18 @@ TEST(CommandTable, TheStandInKnowsEveryRequest) {
     const TemporaryFolder folder;
     const StandIn standIn(folder.file("s"));
     for (const Command* const command : allCommands()) {
-        std::string longest = wholeLine(*command);
+        std::string fullLine = wholeLine(*command);
         for (const Option* const option : command->options) {
-            longest += sample(*option);
+            fullLine += sample(*option);
         }
-        for (const std::string& line : {wholeLine(*command), longest}) {
+        for (const std::string& line : {wholeLine(*command), fullLine}) {
             std::istringstream request(outcome(line));
-            std::string method, path, body;
-            if (std::getline(request >> method >> path, body); path.empty()) {
+            std::string method;
+            std::string path;
+            std::string body;
+            std::getline(request >> method >> path, body);
+            // Help and the version are printed without a request.
+            if (path.empty()) {
                 continue;
             }
             const AgentReply reply =

@@ -42,10 +42,15 @@ void expectPresented(const Case& expected, bool wantsJSON, std::int64_t statusCo
     EXPECT_EQ(output.exitStatus, expected.exitStatus) << expected.reply;
 }
 
+/// Splits a text at each "|".
 std::vector<std::string> alternatives(std::string_view text) {
     std::vector<std::string> parts(1);
     for (const char character : text) {
-        character == '|' ? parts.emplace_back() : parts.back() += character;
+        if (character == '|') {
+            parts.emplace_back();
+        } else {
+            parts.back() += character;
+        }
     }
     return parts;
 }
