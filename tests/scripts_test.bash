@@ -48,4 +48,13 @@ for name in 'a"b' 'a;b' 'a\b' 'a|b' '[a' 'a]' $'a\n' '${a}' '$<1>' 'un été' "i
     steps=$PWD/$name/scripts/parts/steps.bash expect "$expected" "the path $name" true
     [ "$expected" = 0 ] || [ "$(wc -l <log)" = 1 ] || { status=1; echo "the path $name: not one line"; }
 done
+# Root must not write through a link that another user has made.
+for link in build build/dev; do
+    [ "$(id -u)" = 0 ] || break
+    rm -rf 'un été/build' && mkdir -p "$(dirname "un été/$link")" && ln -s "$folder" "un été/$link"
+    steps=$PWD/un\ été/scripts/parts/steps.bash
+    expect 0 "the own link $link" true
+    chown -h nobody "un été/$link"
+    expect 1 "the foreign link $link" true
+done
 exit "$status"

@@ -23,6 +23,11 @@ case $clone in
     ;;
 esac
 
+# The scripts write in build/. Links there could lead elsewhere, so a script trusts only its user's own
+# links. This matters most if root runs the script in another user's clone.
+foreign_links=$(find "$clone/build" -maxdepth 1 -type l ! -user "$(id -u)" 2>/dev/null || true)
+[ -z "$foreign_links" ] || fail "these links belong to another user; remove them: $foreign_links"
+
 # quietly NAME COMMAND...: runs the command, and prints its output only if it fails. The output is also
 # in $output afterwards.
 quietly() {
