@@ -119,9 +119,10 @@ lock_by_link() {
         }
         started=$(start_time "${holder%% *}")
         if [ -z "$started" ] || [ "$holder" != "${holder%% *} $started" ]; then
-            # Another script may have replaced the stale link by its own, which is then restored.
-            ! mv "$link" "$link.$$" 2>/dev/null || [ "$(readlink "$link.$$")" = "$holder" ] ||
+            # If another script has replaced the stale link by its own link, that link is restored.
+            if mv "$link" "$link.$$" 2>/dev/null && [ "$(readlink "$link.$$")" != "$holder" ]; then
                 mv "$link.$$" "$link"
+            fi
             rm -f "$link.$$"
             continue
         fi
