@@ -165,6 +165,10 @@ void expectNames(const Shell& shell, Session& session) {
     const ScriptedPeer braces({answerResult(R"([{"name":"abc"},{"name":"a{b,c"}])")});
     EXPECT_EQ(session.typed("fernlow --socket " + braces.path() + " move --group a{b\t}"),
               "[--socket][" + braces.path() + "][move][--group][a{b}]");
+    fs::create_directories(session.file("disk/$HOME/evil"));
+    session.typed("cd ~/../disk; fernlow ready");
+    EXPECT_EQ(session.typed("fernlow add $HOME/\tx"), "[add][" + session.file("home/x]"));
+    fs::remove_all(session.file("disk/$HOME"));
     // Names on the disk are tested too. A relative path cannot begin with "~", so the names with
     // "~" are omitted.
     for (const std::string name : {"`evil`", "$(evil)", "a$HOME", "a!!", "a'b", "a\"", "a\\", " a",
