@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <regex>
 #include <set>
 #include <string>
@@ -28,9 +29,7 @@ constexpr Case cases[] = {
     {"status", "GET /v1/status"},
     {"projects", "GET /v1/projects"},
     {"schema", "GET /v1/schema"},
-    {"-h", "help"},
     {"help build -x", "help"},
-    {"-v", "version"},
     {"version extra", "version"},
     {"enable ../site b", "projects/enabled {path:'/p/site',enabled:true}"},
     {"disable", "projects/enabled {path:'/p/src',enabled:false}"},
@@ -95,12 +94,7 @@ constexpr Case cases[] = {
     {"preview", "preview {address:'preferred'}"},
     {"preview --page ../a.html --browser com.example.B --address bonjour",
      "preview {address:'bonjour',browserBundleID:'com.example.B',relativePath:'../a.html'}"},
-    {"preview --address lan", "preview {address:'lan'}"},
-    {"preview --address loopback", "preview {address:'loopback'}"},
-    {"preview --address localhost", "preview {address:'localhost'}"},
 
-    {"settings", "settings {path:'/p/src'}"},
-    {"settings ./a ../b", "settings {path:'/p/src/a'}"},
     {"settings ./a=b/c /d=e ~/f=g", "settings {path:'/p/src/a=b/c'}"},
     {"settings --language sass a/b --values [ --extension x", "settings {path:'/p/src/a/b'}"},
     {"settings set z=1 --path ../site a=b --extension x 'a= c=d' --language sass -k=",
@@ -121,7 +115,6 @@ constexpr Case cases[] = {
     {"defaults set a=b", "defaults/set {values:{},literals:{a:'b'}}"},
     {R"(defaults --values '{"a":null}' set --language sass)",
      "defaults/set {language:'sass',values:{a:null},literals:{}}"},
-    {"defaults schema", "defaults/schema {}"},
     {"defaults schema --language sass --values [", "defaults/schema {language:'sass'}"},
 
     {"files",
@@ -134,13 +127,10 @@ constexpr Case cases[] = {
      "files {path:'/p/src',outputAction:'compile',includeFolders:false,includeShadowItems:false,"
      "limit:5000,offset:0}"},
     {"files settings a b", "files/settings {path:'/p/src/a'}"},
-    {"files set a --action ignore",
-     "files/set {path:'/p/src/a',outputAction:'ignore',values:{},literals:{}}"},
     {R"(files set a z=1 b=2 --output-name ../n --output-folder ../out b= --values '{"k":0.25}')",
      "files/set {path:'/p/src/a',outputFolder:'/p/out',outputFilename:'../n',values:{k:0.25},"
      "literals:{b:'',z:'1'}}"},
     {"files schema a b", "files/schema {path:'/p/src/a'}"},
-    {"files schema a --language sass", "files/schema {path:'/p/src/a',language:'sass'}"},
     {"files schema --language sass", "files/schema {language:'sass'}"},
     {"files skip a ../b /c --action nonsense --values [",
      "files/skip {paths:['/p/src/a','/p/b','/c'],skipped:true,wait:true,timeoutSeconds:600}"},
@@ -149,24 +139,17 @@ constexpr Case cases[] = {
     {"files unskip a --no-wait --timeout -2.5",
      "files/skip {paths:['/p/src/a'],skipped:false,wait:false,timeoutSeconds:-2.5}"},
 
-    {"collections", "collections {path:'/p/src'}"},
     {"collections --kind hooks ./a ~/b --id '' --type x --values [",
      "collections {path:'/p/src/a',kind:'hooks'}"},
     {R"(collections add k=v b --kind hooks --type runScript --extension .x --values '{"n":1}')",
      "collections/add {path:'/p/src/k=v',kind:'hooks',buildStepType:'runScript',"
      "fileExtension:'.x',values:{n:1},literals:{}}"},
-    {"collections add --kind buildSteps --type processRemainingItems",
-     "collections/add {path:'/p/src',kind:'buildSteps',buildStepType:'processRemainingItems',"
-     "values:{},literals:{}}"},
     {"collections remove a b --kind hooks --id 7 --type x --values [",
      "collections/remove {path:'/p/src/a',kind:'hooks',id:'7'}"},
-    {"collections move --position -3 --kind hooks --id 7",
-     "collections/reorder {path:'/p/src',kind:'hooks',id:'7',position:0}"},
     {"collections move ../a --position 4 --kind buildSteps --id 7",
      "collections/reorder {path:'/p/a',kind:'buildSteps',id:'7',position:4}"},
     {R"(collections set z=1 b=2 --kind hooks --id 7 --values '{"n":[]}')",
      "collections/set {path:'/p/src',kind:'hooks',id:'7',values:{n:[]},literals:{b:'2',z:'1'}}"},
-    {"collections schema", "collections/schema {}"},
     {"collections schema --kind webpPresets --id ''", "collections/schema {kind:'webpPresets'}"},
 
     {"wait --timeout inf", "wait {settleMilliseconds:400,timeoutSeconds:86400}"},
@@ -265,11 +248,16 @@ TEST(CommandLines, GlobalOptionsMayStandAnywhere) {
         {"--socket ~/x.sock status", true, {status, false, "~/x.sock", true}},
         {"status --socket --json", true, {status, false, "--json", true}},
         {"--socket --socket status --socket ''", true, {status, false, "", true}},
+        // The user database, in which the default path is found, may be slow.
+        {"help", true, {{AgentCLIAction::help{}}, false, "", true}},
     };
     const CurrentDirectory here("/p");
+    const std::string variable = std::getenv("HOME") == nullptr ? "" : std::getenv("HOME");
+    ::setenv("HOME", "/elsewhere", 1);
     for (const auto& [line, onTerminal, expected] : lines) {
         EXPECT_EQ(parseInvocation(splitWords(line), here, onTerminal), expected) << line;
     }
+    ::setenv("HOME", variable.c_str(), 1);
 }
 
 } // namespace fernlow::test

@@ -56,17 +56,6 @@ protected:
     StandIn standIn_{socket()};
 };
 
-TEST_F(EndToEnd, SpeaksTextToATerminalAndJsonToAPipe) {
-    EXPECT_EQ(seen("status"), "Projects: 0    Frameworks: 0\n"
-                              "Indexing: no    Compiling: no    Watching: on\n"
-                              "Log cursor: 0\n[0]");
-    EXPECT_EQ(read("status")["logCursor"], 0);
-    EXPECT_EQ(nlohmann::json::parse(run("--json status", true).standardOutput)["ok"], true);
-    EXPECT_EQ(run("remove nothing").standardOutput, "");
-    EXPECT_EQ(seen("frobnicate"), "There is no \"frobnicate\" command. Run \"fernlow --help\" to "
-                                  "see what there is.\n[2]");
-}
-
 TEST_F(EndToEnd, WalksThroughAProjectsWholeLife) {
     EXPECT_EQ(seen("build"), "There is no project at SITE.\n[5]");
     EXPECT_EQ(seen("add /"), "The whole disk can't be a project.\n[5]");

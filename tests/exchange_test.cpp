@@ -8,16 +8,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace fernlow::test {
 namespace {
@@ -91,20 +88,6 @@ TEST(Exchange, ReportsThatNothingListens) {
 #endif
 }
 
-TEST(Exchange, ReportsThatNothingListensIfPermissionIsDenied) {
-    ScriptedPeer peer({answerDone()});
-    ::chmod(peer.path().c_str(), 0);
-    // Root is never refused, so root becomes the user "nobody" for the run.
-    const uid_t user = ::geteuid();
-    const bool canBeRefused = user != 0 || ::seteuid(65534) == 0;
-    const Outcome outcome = runAgainst(peer, "status");
-    ASSERT_EQ(::seteuid(user), 0);
-    if (!canBeRefused) {
-        GTEST_SKIP() << "this root cannot become another user";
-    }
-    EXPECT_EQ(outcome, notRunning);
-}
-
 TEST(Exchange, WaitsThirtySecondsLongerThanTheRequestsTimeout) {
     const struct {
         std::string_view body;
@@ -121,51 +104,6 @@ TEST(Exchange, WaitsThirtySecondsLongerThanTheRequestsTimeout) {
     for (const auto& [body, seconds] : cases) {
         EXPECT_EQ(replyTimeout(body), std::chrono::seconds(seconds)) << body;
     }
-}
-
-/// Stops the program and continues it about every millisecond, until it ends.
-void stopAndContinue() {
-    const pid_t program = ::getpid();
-    if (::fork() != 0) {
-        return;
-    }
-    while (::getppid() == program) {
-        for (const int signal : {SIGSTOP, SIGCONT}) {
-            ::kill(program, signal);
-            ::usleep(1000);
-        }
-    }
-    ::_exit(0);
-}
-
-TEST(Exchange, LosesNothingWhenStoppedAndContinued) {
-    const auto pause = [](const Connection& /*connection*/) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    };
-    const auto answerLate = [&](Connection& connection) {
-        connection.readRequest();
-        connection.write("HTTP/1.1 200 OK\r\n");
-        pause(connection);
-        connection.write("\r\n{\"ok\":true}");
-    };
-    const auto readLate = [&](Connection& connection) {
-        connection.awaitFirstByte();
-        pause(connection);
-        answerDone()(connection);
-    };
-    std::string megabyteLine = "process";
-    for (int count = 0; count < 10; ++count) {
-        megabyteLine += " /" + std::string(100000, 'x');
-    }
-    const Outcome whole{"{\"ok\":true}\n", "", 0};
-    ScriptedPeer peer({answerLate, readLate, pause, pause, answerDone()});
-    EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "reading";
-    EXPECT_EQ(runProgramAgainst(peer, megabyteLine, stopAndContinue), whole) << "writing";
-    // The first connection pauses the peer, and the second fills its queue. So the program has to
-    // wait for its connection.
-    const fernlow::Connection served(peer.path(), std::chrono::seconds(9));
-    const fernlow::Connection queued(peer.path(), std::chrono::seconds(9));
-    EXPECT_EQ(runProgramAgainst(peer, "status", stopAndContinue), whole) << "connecting";
 }
 
 TEST(Exchange, LimitsTheWaitWhileTheQueueIsFull) {

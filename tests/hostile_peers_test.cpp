@@ -2,6 +2,7 @@
 #include "support/outcomes.h"
 #include "support/process.h"
 #include "support/scripted_peer.h"
+#include "transport/connection.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -10,7 +11,11 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 
@@ -87,28 +92,29 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
     struct sigaction interrupting{};
     interrupting.sa_handler = [](int /*signal*/) {};
     ::sigaction(SIGUSR1, &interrupting, nullptr);
-    const auto interrupt = [client = ::pthread_self()] {
-        for (int count = 0; count < 50; ++count) {
-            ::pthread_kill(client, SIGUSR1);
-            ::usleep(1000);
-        }
-    };
-    // The output is a pipe that cannot hold the whole text and is read late.
+    const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(50)); };
+    const auto hold = [&](Connection& /*connection*/) { pause(); };
     const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
     for (const int outputFlags : {0, O_NONBLOCK}) {
+        // The peer accepts, reads and answers late. The output is a pipe that cannot hold the whole
+        // text and is read late.
+        const ScriptedPeer peer({hold, hold, [&](Connection& connection) {
+                                     connection.readRequest();
+                                     pause();
+                                     connection.write(reply(body));
+                                 }});
+        // The first connection pauses the peer, and the second fills its queue. So the client has
+        // to wait for its connection.
+        const fernlow::Connection served(peer.path(), std::chrono::seconds(9));
+        const fernlow::Connection queued(peer.path(), std::chrono::seconds(9));
         std::array<int, 2> pipe{};
         ASSERT_EQ(::pipe(pipe.data()), 0);
         ASSERT_EQ(::fcntl(pipe[1], F_SETFL, outputFlags), 0);
-        const ScriptedPeer peer({[&](Connection& connection) {
-            connection.readRequest();
-            interrupt();
-            connection.write(reply(body));
-        }});
         std::string output;
         std::thread reader([&] {
             pollfd waiting{pipe[0], POLLIN, 0};
             ::poll(&waiting, 1, -1);
-            interrupt();
+            pause();
             std::array<char, 65536> buffer{};
             for (;;) {
                 const ssize_t count = ::read(pipe[0], buffer.data(), buffer.size());
@@ -118,9 +124,18 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
                 output.append(buffer.data(), static_cast<std::size_t>(count));
             }
         });
-        EXPECT_EQ(runAgentCLI({"status", "--no-launch", "--socket", peer.path()},
+        std::atomic<bool> hasEnded = false;
+        std::thread interrupter([&, client = ::pthread_self()] {
+            while (!hasEnded) {
+                ::pthread_kill(client, SIGUSR1);
+                ::usleep(1000);
+            }
+        });
+        EXPECT_EQ(runAgentCLI({"process", longPath, "--no-launch", "--socket", peer.path()},
                               CurrentDirectory("/"), false, {pipe[1], STDERR_FILENO}),
                   0);
+        hasEnded = true;
+        interrupter.join();
         ::close(pipe[1]);
         reader.join();
         ::close(pipe[0]);
@@ -143,16 +158,12 @@ TEST(HostilePeer, CannotMakeTheTextGrowWithoutLimit) {
     EXPECT_EQ(presentReply(200, ByteBuffer(reply), true).exitStatus, 0);
 }
 
-int openDescriptors() {
-    int open = 0;
-    for (int descriptor = 0; descriptor < 256; ++descriptor) {
-        open += ::fcntl(descriptor, F_GETFD) != -1 ? 1 : 0;
-    }
-    return open;
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/dev/fd"), {});
 }
 
 TEST(HostilePeer, LeavesNoDescriptorOpen) {
-    const int before = openDescriptors();
+    const auto before = openDescriptors();
     {
         const auto reset = [](Connection& connection) { connection.awaitFirstByte(); };
         ScriptedPeer peer({answerDone(), answer("no reply"), reset, reset});

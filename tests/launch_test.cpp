@@ -1,4 +1,3 @@
-#include "cli/invocation.h"
 #include "support/outcomes.h"
 #include "support/process.h"
 #include "support/refused_call.h"
@@ -8,7 +7,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -111,18 +109,6 @@ TEST(Launch, FindsTheSocketInTheSystemsSupportFolder) {
         EXPECT_EQ(socketPathIn(support, home), folder + "/com.tarnwick.Fernlow3/agent.sock")
             << support;
     }
-}
-
-TEST(Launch, FindsTheHomeFolderInTheUserDatabaseAndOnlyIfNeeded) {
-    const std::string variable = std::getenv("HOME") == nullptr ? "" : std::getenv("HOME");
-    const CurrentDirectory folder("/");
-    ::setenv("HOME", "/elsewhere", 1);
-    EXPECT_EQ(parseInvocation({"status"}, folder, true).socketPath,
-              std::string(::getpwuid(::getuid())->pw_dir) +
-                  "/Library/Application Support/com.tarnwick.Fernlow3/agent.sock");
-    ::setenv("HOME", variable.c_str(), 1);
-    // The user database may be a slow directory service.
-    EXPECT_EQ(parseInvocation({"help"}, folder, true).socketPath, "");
 }
 
 TEST(Launch, PausesBetweenAttemptsUntilTheTimeoutExpires) {

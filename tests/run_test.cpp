@@ -2,7 +2,6 @@
 #include "support/process.h"
 #include "support/scripted_peer.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -165,14 +164,6 @@ TEST(Run, NeverLosesAReplySilently) {
                   (Outcome{"", lost, status}));
     }
     EXPECT_EQ(runProgram({{"help"}, "/", leaveNoReaderAndIgnoreSIGPIPE}), (Outcome{"", lost, 1}));
-}
-
-TEST(Run, WaitsForANonBlockingOutput) {
-    const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
-    ScriptedPeer peer({answer(reply(body))});
-    const auto makeNonBlocking = [] { ::fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK); };
-    EXPECT_EQ(runProgramAgainst(peer, "status --json", makeNonBlocking, true),
-              (Outcome{body + "\r\n", "", 0}));
 }
 
 TEST(Run, NeedsTheCurrentDirectoryOnlyForRelativePaths) {

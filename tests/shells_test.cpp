@@ -89,8 +89,6 @@ public:
     }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
-    Session(Session&&) = delete;
-    Session& operator=(Session&&) = delete;
     ~Session() {
         ::kill(process_, SIGKILL);
         ::waitpid(process_, nullptr, 0);

@@ -17,29 +17,20 @@ constexpr std::string_view nothingMatched =
     "Nothing matched. If you expected a file here, refresh the project — this is Fernlow's index, "
     "not the disk.";
 
-enum class Stream { out, err };
-
-/// A reply, or several separated by "|", and the output of each.
+/// A reply, or several separated by "|", and the output of each. Refusals, which end with exit
+/// status 5, are written to standard error.
 struct Case {
-    std::string_view reply;
-    std::string_view text;
-    Stream stream = Stream::out;
-    int exitStatus = 0;
-};
-
-/// The "result" of a reply whose "ok" is true, or several separated by "|", and the text for each.
-struct ViewCase {
-    std::string_view results;
+    std::string_view replies;
     std::string_view text;
     int exitStatus = 0;
 };
 
 void expectPresented(const Case& expected, bool wantsJSON, std::int64_t statusCode = 200) {
-    keepSeed("presentation", expected.reply);
-    const ReplyOutput output = presentReply(statusCode, ByteBuffer(expected.reply), wantsJSON);
-    EXPECT_EQ(output.text.view(), expected.text) << expected.reply;
-    EXPECT_EQ(output.toStandardError, expected.stream == Stream::err) << expected.reply;
-    EXPECT_EQ(output.exitStatus, expected.exitStatus) << expected.reply;
+    keepSeed("presentation", expected.replies);
+    const ReplyOutput output = presentReply(statusCode, ByteBuffer(expected.replies), wantsJSON);
+    EXPECT_EQ(output.text.view(), expected.text) << expected.replies;
+    EXPECT_EQ(output.toStandardError, expected.exitStatus == 5) << expected.replies;
+    EXPECT_EQ(output.exitStatus, expected.exitStatus) << expected.replies;
 }
 
 /// Splits a text at each "|".
@@ -55,11 +46,12 @@ std::vector<std::string> alternatives(std::string_view text) {
     return parts;
 }
 
-void expectViews(const std::vector<ViewCase>& cases) {
-    for (const ViewCase& row : cases) {
-        for (const std::string& result : alternatives(row.results)) {
+/// The cases have only the "result" of each reply, whose "ok" is true.
+void expectViews(const std::vector<Case>& cases) {
+    for (const Case& row : cases) {
+        for (const std::string& result : alternatives(row.replies)) {
             const std::string reply = R"({"ok":true,"result":)" + result + "}";
-            expectPresented({reply, row.text, Stream::out, row.exitStatus}, false);
+            expectPresented({reply, row.text, row.exitStatus}, false);
         }
     }
 }
@@ -73,17 +65,16 @@ TEST(ReplyText, DistinguishesSuccessFromRefusal) {
         {R"({}|{"OK":true}|{"ok":false}|{"ok":0}|{"ok":2}|{"ok":1.5}|{"ok":"true"}|{"ok":null}|
             {"ok":[true]}|{"ok":false,"result":{"timedOut":true}}|{"error":{}}|{"error":"M"}|
             {"error":[{"message":"M"}]}|{"error":{"message":5}}|{"error":{"message":null}})",
-         "Fernlow refused the request.", Stream::err, 5},
-        {R"({"ok":false,"error":{"message":"No such file."}})", "No such file.", Stream::err, 5},
-        {R"({"error":{"message":""}})", "", Stream::err, 5},
-        {R"({"error":{"message":"\n\"\\\/\u00e9\ud83d\ude00"}})", "\n\"\\/é😀", Stream::err, 5},
-        {"{\"error\":{\"message\":\"\xe9 \xf0\x9f\x98 \xe2\x82\"}}", "\uFFFD \uFFFD \uFFFD",
-         Stream::err, 5},
+         "Fernlow refused the request.", 5},
+        {R"({"ok":false,"error":{"message":"No such file."}})", "No such file.", 5},
+        {R"({"error":{"message":""}})", "", 5},
+        {R"({"error":{"message":"\n\"\\\/\u00e9\ud83d\ude00"}})", "\n\"\\/é😀", 5},
+        {"{\"error\":{\"message\":\"\xe9 \xf0\x9f\x98 \xe2\x82\"}}", "\uFFFD \uFFFD \uFFFD", 5},
     };
     for (const Case& row : cases) {
-        for (const std::string& reply : alternatives(row.reply)) {
+        for (const std::string& reply : alternatives(row.replies)) {
             for (const std::int64_t statusCode : {200, 404, 0}) {
-                expectPresented({reply, row.text, row.stream, row.exitStatus}, false, statusCode);
+                expectPresented({reply, row.text, row.exitStatus}, false, statusCode);
             }
         }
     }
@@ -92,26 +83,25 @@ TEST(ReplyText, DistinguishesSuccessFromRefusal) {
 TEST(ReplyJSON, IsTheBodyWithTheSameExitStatus) {
     struct {
         std::string_view body;
-        Stream stream = Stream::out;
         int exitStatus = 0;
     } const cases[] = {
         {R"({"ok":1})"},
         {"\t{ \"b\":1,\r\n \"ok\" : true,\"a\":\"\\u00e9\\/\",\"n\":1.50e+1,\"m\":1e999 }\n"},
         {R"({"ok":true,"result":[{"timedOut":true}]})"},
-        {R"({"ok":true,"result":{"timedOut":true,"errorCount":3}})", Stream::out, 4},
-        {R"({"result":{"problems":[{"a":[{}]}],"errorCount":2},"ok":true})", Stream::out, 1},
+        {R"({"ok":true,"result":{"timedOut":true,"errorCount":3}})", 4},
+        {R"({"result":{"problems":[{"a":[{}]}],"errorCount":2},"ok":true})", 1},
         {R"({"n":{"o":{"\u006fk":0}},"o\u006b":1,"ok":0,"\u006f\u006b!":0,"re\u0073ult":
             {"t":[{"timedOut":0}],"timedOut":1},"result":{"timedOut":0}})",
-         Stream::out, 4},
-        {R"({"result":"ok","x":{"ok":true}})", Stream::err, 5},
+         4},
+        {R"({"result":"ok","x":{"ok":true}})", 5},
         {R"({"ok":true,"x":{"result":{"timedOut":true}},"result":{"result":{"timedOut":true}}})"},
-        {R"({"ok":false,"error":{"message":"M"}})", Stream::err, 5},
-        {R"({"ok":"true","result":{"errorCount":2}})", Stream::err, 5},
-        {R"({})", Stream::err, 5},
+        {R"({"ok":false,"error":{"message":"M"}})", 5},
+        {R"({"ok":"true","result":{"errorCount":2}})", 5},
+        {R"({})", 5},
     };
-    for (const auto& [body, stream, exitStatus] : cases) {
-        expectPresented({body, body, stream, exitStatus}, true);
-        expectPresented({body, body, stream, exitStatus}, true, 500);
+    for (const auto& [body, exitStatus] : cases) {
+        expectPresented({body, body, exitStatus}, true);
+        expectPresented({body, body, exitStatus}, true, 500);
     }
     expectPresented({"{\"ok\":true,\"a\":\"caf\xe9\xf0\x9f\x98\",\"b\xc0\xaf\":\"é\"}",
                      "{\"ok\":true,\"a\":\"caf\uFFFD\uFFFD\",\"b\uFFFD\uFFFD\":\"é\"}"},
