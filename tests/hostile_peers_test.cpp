@@ -6,8 +6,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <pthread.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
@@ -18,6 +18,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace fernlow::test {
 namespace {
@@ -39,10 +40,21 @@ ScriptedPeer::Script flood(int megabytes) {
     };
 }
 
+/// Returns a script that continues the other script with silence.
+ScriptedPeer::Script stallAfter(ScriptedPeer::Script script) {
+    return [script = std::move(script)](Connection& connection) {
+        script(connection);
+        connection.waitUntilGone();
+    };
+}
+
 TEST(HostilePeer, IsReadToTheEndUpToALimit) {
+    // No other command accepts a negative timeout.
+    const std::string soon = "files skip --timeout -100 ";
     const struct {
         const char* behaviour;
         ScriptedPeer::Script script;
+        std::string line;
         Outcome expected;
     } cases[] = {
         {"trickles",
@@ -52,39 +64,24 @@ TEST(HostilePeer, IsReadToTheEndUpToALimit) {
                  connection.write({&byte, 1});
              }
          },
-         done},
+         "status", done},
         {"answers before it has read",
          [](Connection& connection) {
              connection.write(reply(R"({"ok":true})"));
              connection.readRequest();
          },
-         done},
-        {"answers 50 MB", flood(50), done},
-        {"never stops", flood(300), malformed},
+         "status", done},
+        {"answers 50 MB", flood(50), "status", done},
+        {"never stops", flood(300), "status", malformed},
+        {"never answers", stallAfter(answer("")), soon + "vendor", readFailed},
+        {"stops in its reply", stallAfter(answer("HTTP/1.1 200 OK\r\n\r\n{\"ok\":")),
+         soon + "vendor", readFailed},
+        {"does not read", stallAfter([](Connection& connection) { connection.awaitFirstByte(); }),
+         soon + longPath, writeFailed},
     };
-    for (const auto& [behaviour, script, expected] : cases) {
+    for (const auto& [behaviour, script, line, expected] : cases) {
         ScriptedPeer peer({script});
-        EXPECT_EQ(runAgainst(peer, "status"), expected) << behaviour;
-    }
-}
-
-TEST(HostilePeer, IsGivenUpWhenItStalls) {
-    const struct {
-        ScriptedPeer::Script script;
-        std::string path;
-        Outcome expected;
-    } cases[] = {
-        {answer(""), "vendor", readFailed},
-        {answer("HTTP/1.1 200 OK\r\n\r\n{\"ok\":"), "vendor", readFailed},
-        {[](Connection& connection) { connection.awaitFirstByte(); }, longPath, writeFailed},
-    };
-    for (const auto& [script, path, expected] : cases) {
-        ScriptedPeer peer({[&stall = script](Connection& connection) {
-            stall(connection);
-            connection.waitUntilGone();
-        }});
-        // Only "files skip" accepts a negative timeout, which shortTimeout needs.
-        EXPECT_EQ(runAgainst(peer, "files skip --timeout -100 " + path, shortTimeout), expected);
+        EXPECT_EQ(runAgainst(peer, line, shortTimeout), expected) << behaviour;
     }
 }
 
@@ -96,8 +93,8 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
     const auto hold = [&](Connection& /*connection*/) { pause(); };
     const std::string body = R"({"ok":true,"padding":")" + std::string(1U << 20U, 'x') + "\"}";
     for (const int outputFlags : {0, O_NONBLOCK}) {
-        // The peer accepts, reads and answers late. The output is a pipe that cannot hold the whole
-        // text and is read late.
+        // The peer accepts, reads and answers late. The output is a socket that cannot hold the
+        // whole text and is read late.
         const ScriptedPeer peer({hold, hold, [&](Connection& connection) {
                                      connection.readRequest();
                                      pause();
@@ -107,22 +104,15 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
         // to wait for its connection.
         const fernlow::Connection served(peer.path(), std::chrono::seconds(9));
         const fernlow::Connection queued(peer.path(), std::chrono::seconds(9));
-        std::array<int, 2> pipe{};
-        ASSERT_EQ(::pipe(pipe.data()), 0);
-        ASSERT_EQ(::fcntl(pipe[1], F_SETFL, outputFlags), 0);
+        std::array<int, 2> ends{};
+        ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
+        ASSERT_EQ(::fcntl(ends[1], F_SETFL, outputFlags), 0);
         std::string output;
         std::thread reader([&] {
-            pollfd waiting{pipe[0], POLLIN, 0};
-            ::poll(&waiting, 1, -1);
+            Connection reading(ends[0]);
+            reading.awaitFirstByte();
             pause();
-            std::array<char, 65536> buffer{};
-            for (;;) {
-                const ssize_t count = ::read(pipe[0], buffer.data(), buffer.size());
-                if (count <= 0) {
-                    break;
-                }
-                output.append(buffer.data(), static_cast<std::size_t>(count));
-            }
+            output = reading.readRequest();
         });
         std::atomic<bool> hasEnded = false;
         std::thread interrupter([&, client = ::pthread_self()] {
@@ -132,13 +122,13 @@ TEST(HostilePeer, IsWaitedForThroughInterruptions) {
             }
         });
         EXPECT_EQ(runAgentCLI({"process", longPath, "--no-launch", "--socket", peer.path()},
-                              CurrentDirectory("/"), false, {pipe[1], STDERR_FILENO}),
+                              CurrentDirectory("/"), false, {ends[1], STDERR_FILENO}),
                   0);
         hasEnded = true;
         interrupter.join();
-        ::close(pipe[1]);
+        ::close(ends[1]);
         reader.join();
-        ::close(pipe[0]);
+        ::close(ends[0]);
         EXPECT_TRUE(output == body + "\n") << output.size();
     }
 }
