@@ -67,8 +67,7 @@ constexpr Case cases[] = {
     {"groups --name Blog", "GET /v1/groups"},
     {"groups add Blog Extra -x", "groups/add {name:'Blog'}"},
     {"groups add --name '' Blog", "groups/add {name:'Blog'}"},
-    {"groups -x remove -y Blog", "groups/remove {name:'Blog'}"},
-    {"groups remove --name Blog Extra", "groups/remove {name:'Blog'}"},
+    {"groups -x remove -y --name Blog Extra", "groups/remove {name:'Blog'}"},
     {"groups rename Old New Extra", "groups/rename {name:'Old',newName:'New'}"},
     {"groups rename --name Old New", "groups/rename {name:'Old',newName:'New'}"},
     {R"(groups add ' "a" \b/ é ')", R"(groups/add {"name":" \"a\" \\b/ é "})"},
@@ -121,9 +120,6 @@ constexpr Case cases[] = {
      "sass --values [ --timeout nan",
      "files {path:'/p/a',language:'sass',outputAction:'copy',includeFolders:true,"
      "includeShadowItems:true,limit:10,offset:20}"},
-    {"files --action compile --offset -5 --limit 100000",
-     "files {path:'/p/src',outputAction:'compile',includeFolders:false,includeShadowItems:false,"
-     "limit:5000,offset:0}"},
     {"files settings a b", "files/settings {path:'/p/src/a'}"},
     {R"(files set a z=1 b=2 --output-name ../n --output-folder ../out b= --values '{"k":0.25}')"
      " --action ignore",

@@ -48,7 +48,12 @@ ScriptedPeer::Script stallAfter(ScriptedPeer::Script script) {
     };
 }
 
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/dev/fd"), {});
+}
+
 TEST(HostilePeer, IsReadToTheEndUpToALimit) {
+    const auto before = openDescriptors();
     // No other command accepts a negative timeout.
     const std::string soon = "files skip --timeout -100 ";
     const struct {
@@ -83,6 +88,8 @@ TEST(HostilePeer, IsReadToTheEndUpToALimit) {
         ScriptedPeer peer({script});
         EXPECT_EQ(runAgainst(peer, line, shortTimeout), expected) << behaviour;
     }
+    EXPECT_EQ(runLine("status --no-launch --socket /no/such/socket"), notRunning);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST(HostilePeer, IsWaitedForThroughInterruptions) {
@@ -146,26 +153,6 @@ TEST(HostilePeer, CannotMakeTheTextGrowWithoutLimit) {
     EXPECT_EQ(output.text.view(), "Fernlow's reply could not be read.");
     EXPECT_EQ(output.exitStatus, 5);
     EXPECT_EQ(presentReply(200, ByteBuffer(reply), true).exitStatus, 0);
-}
-
-std::ptrdiff_t openDescriptors() {
-    return std::distance(std::filesystem::directory_iterator("/dev/fd"), {});
-}
-
-TEST(HostilePeer, LeavesNoDescriptorOpen) {
-    const auto before = openDescriptors();
-    {
-        const auto reset = [](Connection& connection) { connection.awaitFirstByte(); };
-        ScriptedPeer peer({answerDone(), answer("no reply"), reset, reset});
-        EXPECT_EQ(runAgainst(peer, "status"), done);
-        EXPECT_EQ(runAgainst(peer, "status"), malformed);
-        EXPECT_EQ(runAgainst(peer, "status"), afterReset);
-        EXPECT_EQ(runAgainst(peer, "process " + longPath), writeFailed);
-        // Waits until the socket is closed.
-        peer.requests();
-        EXPECT_EQ(runAgainst(peer, "status"), notRunning);
-    }
-    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace
