@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -142,9 +141,7 @@ TEST(Exchange, UsesNoSocketThatCannotBePrepared) {
 
 TEST(Exchange, LeavesTheNumbersOfClosedStandardStreamsUnused) {
     ScriptedPeer peer({[](Connection& connection) { connection.waitUntilGone(); }});
-    const std::string path = peer.path();
-    const pid_t child = ::fork();
-    if (child == 0) {
+    const auto connectWithoutStreams = [path = peer.path()] {
         for (const int stream : {0, 1, 2}) {
             ::close(stream);
         }
@@ -152,10 +149,8 @@ TEST(Exchange, LeavesTheNumbersOfClosedStandardStreamsUnused) {
         const bool stayClosed =
             ::fcntl(0, F_GETFD) + ::fcntl(1, F_GETFD) + ::fcntl(2, F_GETFD) == -3;
         ::_exit(stayClosed ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+    };
+    EXPECT_EQ(runProgram({{}, "/", connectWithoutStreams}).status, 0);
 }
 
 } // namespace

@@ -140,10 +140,10 @@ void expectNames(const Shell& shell, Session& session) {
     fs::copy_file(session.file("prefix/bin/real"), session.file("home/bin/fernlow"));
     EXPECT_EQ(session.typed("cd ~/bin; ./fernlow stat\t"), "[status]");
     for (const std::string name :
-         {"a`evil`", "a$(evil)", "a$HOME",      "a;evil", "a<(evil)", "a>evil",       "a{b,c}",
-          "a* [b]?", "a!!",      "a'b",         "a\"b",   "a\\",      " a",           "~",
-          "~root",   "a=~root",  "=evil",       "-x",     "#a",       "/gone/`evil`", "evil",
-          "/usr",    "%self",    "\u3000--json"}) {
+         {"a`evil`", "a$(evil)", "a$HOME",       "a;evil",   "a<(evil)", "a>evil",       "a{b,c}",
+          "a* [b]?", "a!!",      "a'b",          "a\"b",     "a\\",      " a",           "~",
+          "~root",   "a=~root",  "=evil",        "-x",       "#a",       "/gone/`evil`", "evil",
+          "/usr",    "%self",    "\u3000--json", "Web: work"}) {
         const bool isPath = name.starts_with('/');
         const std::string member = isPath ? "path" : "name";
         for (const std::string quote : {"", "'", "\""}) {
@@ -196,10 +196,7 @@ void expectCompletions(const Shell& shell) {
     Session session(shell);
     const StandIn standIn(session.file("s"));
     const std::string site = session.file("home/my déjà vu");
-    const std::string socket = "fernlow --socket ../s ";
-    ProgramRun add{{"--socket", session.file("s"), "add", site}};
-    ASSERT_EQ(runProgram(add).status, 0);
-    add.arguments = {"--socket", session.file("s"), "groups", "add", "Web: work"};
+    const ProgramRun add{{"--socket", session.file("s"), "add", site}};
     ASSERT_EQ(runProgram(add).status, 0);
     expectNames(shell, session);
     session.typed("cd ~; fernlow ready");
@@ -209,8 +206,6 @@ void expectCompletions(const Shell& shell) {
     EXPECT_EQ(session.typed("fernlow process a\\ na\t"), "[process][a naïve file.js]");
     EXPECT_EQ(session.typed("fernlow add ~/my\tx"), "[add][" + session.file("home/my déjà vu/x]"));
     EXPECT_EQ(session.typed("fernlow add my\tx"), "[add][my déjà vu/x]");
-    EXPECT_EQ(session.typed(socket + "move --group We\t"),
-              "[--socket][../s][move][--group][Web: work]");
     session.typed("cd my*; fernlow ready");
     EXPECT_EQ(session.typed("fernlow --socket ../../s settings set buildFolderA\tfal\t"),
               "[--socket][../../s][settings][set][buildFolderActive=false]");
