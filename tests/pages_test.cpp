@@ -105,16 +105,13 @@ void expectShownOutput(const std::string& page, bool inTerminal, const std::stri
 }
 
 TEST(Pages, ShowThePrintedOutput) {
-    expectShownOutput("README.md", true, R"(mkdir -p site/src/parts; cd site
-        touch src/parts/_colours.scss
-        printf '@import "parts/colours";\n' | tee src/app.scss src/print.scss
-        printf 'nav {\n  a { color: red;\n}\n' >src/broken.scss
-        fernlow add; fernlow build
-    )");
-    expectShownOutput(agentsPage, false, R"(mkdir -p site/src/parts site/vendor shop/src
-        touch site/src/parts/_colours.scss site/src/main.js site/vendor/library.js
+    const std::string site = R"(mkdir -p site/src/parts; touch site/src/parts/_colours.scss
         printf '@import "parts/colours";\n' | tee site/src/app.scss site/src/print.scss
+    )";
+    expectShownOutput("README.md", true, site + R"(cd site; fernlow add
+        printf 'nav {\n  a { color: red;\n}\n' >src/broken.scss; fernlow build
     )");
+    expectShownOutput(agentsPage, false, site);
 }
 
 TEST(AgentsPage, ReportPrintsEachErrorInOneHarmlessLine) {
@@ -165,7 +162,8 @@ TEST(AgentsPage, ThePastedCommandsReportTheSameErrors) {
         script += replaceAll(command, "CURSOR", "$cursor") + "\n";
     }
     const std::string report = theError + "exit status 1\n";
-    EXPECT_EQ(runScript(script), (Outcome{report + report + report, "", 1}));
+    EXPECT_EQ(runScript(script + "jq() { return 2; }; report build"),
+              (Outcome{report + report + report + "exit status 127\n", "", 127}));
 }
 
 TEST(AgentsPage, TheProjectIsDisabledWhileGitSwitchesBranches) {
@@ -199,6 +197,8 @@ TEST(AgentsPage, TheProjectIsDisabledWhileGitSwitchesBranches) {
                     "wait projects disable enable true", 130);
     }
     expectSteps("refused=disable", "wait projects enable true", 5);
+    expectSteps("refused=enable", "wait projects disable false false", 1,
+                "The project may still be switched off.\n");
     expectSteps("refused=wait", "true", 1, "No switch: the wait ended with status 5.\n");
     const std::string isOff = "No switch: the project is unknown or switched off.\n";
     expectSteps("refused=projects", "wait true", 1, isOff);
@@ -221,22 +221,22 @@ TEST(AgentsPage, TheLogIsFollowedAcrossARestart) {
               "1 error Syntax error in src/app.scss\n2 error Syntax error in src/app.scss\n");
 }
 
-TEST(AgentsPage, AllPagesOfFilesAreRead) {
-    EXPECT_EQ(runScript("set -e\n" + projectWithError + R"(
-        for number in $(seq 500); do : >src/$number.js; done
-        { )" + blockBeginning("offset=0") +
-                        "} | sort -u | grep -c .")
-                  .standardOutput,
-              "501\n");
-}
-
 /// Returns a script that saves the recipes of the page for agents in the current folder.
 std::string saveRecipes() {
     std::string script = "cat >report.sh <<'END'\n" + reportFunction() + "END\n";
-    for (const std::string name : {"ci.sh", "Makefile", "client.py"}) {
+    for (const std::string name : {"files.sh", "ci.sh", "Makefile", "client.py"}) {
         script += "cat >" + name + " <<'END'\n" + blockBeginning("# " + name + "\n") + "END\n";
     }
     return script;
+}
+
+TEST(AgentsPage, AllPagesOfFilesAreReadOrTheLoopFails) {
+    EXPECT_EQ(runScript(projectWithError + saveRecipes() + R"(
+        for number in $(seq 500); do : >src/$number.js; done
+        sh -e ./files.sh | sort -u | grep -c src/
+        fernlow() { [ "$5" = 0 ] && command fernlow "$@"; }; (. ./files.sh >../reply); echo $?)")
+                  .standardOutput,
+              "501\n1\n");
 }
 
 TEST(AgentsPage, TheCiStepFailsAsLongAsThereIsAnError) {
