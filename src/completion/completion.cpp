@@ -191,7 +191,7 @@ private:
 
     /// Adds the typed list with each choice that it does not contain yet.
     void addListChoices(std::span<const std::string_view> choices) {
-        // Without a comma, rfind() returns -1, and the list is empty.
+        // Without a comma, rfind() returns npos, and npos + 1 is 0, so the list is empty.
         const std::string list = line_.current().substr(0, line_.current().rfind(',') + 1);
         for (const std::string_view each : choices) {
             const std::string choice(each);

@@ -66,7 +66,7 @@ void addNamesOnDisk(Completions& completions, const std::string& typed,
         (context.shell == Shell::bash && hasMatch)) {
         return;
     }
-    // Without a "/", rfind() returns -1.
+    // Without a "/", rfind() returns npos, and npos + 1 is 0.
     const std::size_t nameStart = typed.rfind('/') + 1;
     const std::string folder = typed.substr(0, nameStart);
     const std::string beginning = typed.substr(nameStart);
