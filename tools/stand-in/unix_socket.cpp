@@ -17,7 +17,7 @@ namespace {
 /// macOS's limit, which the client applies on every system.
 constexpr std::size_t maxSocketPath = 103;
 
-const std::string& validate(const std::string& path) {
+std::string validate(std::string path) {
     if (path.empty() || path.size() > maxSocketPath) {
         throw std::runtime_error("The socket path must have 1 to " + std::to_string(maxSocketPath) +
                                  " bytes: " + path);
