@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,9 +29,9 @@ std::string completed(std::string line) {
     auto words = splitWords(line);
     words.resize(words.size() + (isEmpty ? 1 : 0));
     const auto completions = complete(words, words.size() - 1, context(Shell::zsh));
-    std::string result = completions.paths == PathKind::file     ? "+files"
-                         : completions.paths == PathKind::folder ? "+folders"
-                                                                 : "";
+    const std::map<PathKind, std::string> paths{{PathKind::file, "+files"},
+                                                {PathKind::folder, "+folders"}};
+    std::string result = paths.contains(completions.paths) ? paths.at(completions.paths) : "";
     for (const auto& candidate : completions.candidates) {
         if (candidate.value.starts_with(words.back())) {
             const std::string space = result.empty() ? "" : " ";

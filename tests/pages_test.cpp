@@ -105,7 +105,7 @@ void expectShownOutput(const std::string& page, bool inTerminal, const std::stri
 }
 
 TEST(Pages, ShowThePrintedOutput) {
-    const std::string site = R"(mkdir -p site/src/parts; touch site/src/parts/_colours.scss
+    const std::string site = R"(mkdir -p site/src/parts shop/src; touch site/src/parts/_colours.scss
         printf '@import "parts/colours";\n' | tee site/src/app.scss site/src/print.scss
     )";
     expectShownOutput("README.md", true, site + R"(cd site; fernlow add
