@@ -1,6 +1,6 @@
 // Replaces the C++ library's demangler in the static programs. The library calls it only for the
-// message about an uncaught exception. The library's own demangler would be a quarter of the program,
-// with a thousand pointers that every run has to relocate before main.
+// message about an uncaught exception. The library's own demangler would be a quarter of the
+// program, with a thousand pointers that every run has to relocate before main.
 #include <cstddef>
 
 /// Always fails. The C++ library then prints the mangled name of the exception's type, and still
