@@ -37,9 +37,9 @@ void ByteBuffer::append(std::string_view text) {
 
 char* ByteBuffer::prepare(std::size_t count) {
     if (capacity_ - end_ < count) {
-        // Doubling leaves room for another call with the same size, such as the last read of a
-        // reply, which returns no bytes.
-        const std::size_t capacity = std::max(minCapacity, 2 * (end_ + count));
+        // Twice the count leaves room for another call with the same count, such as the last read
+        // of a reply, which returns no bytes.
+        const std::size_t capacity = std::max({minCapacity, 2 * count, 2 * capacity_});
         auto* grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
         if (grown == nullptr) {
             throw std::bad_alloc();
