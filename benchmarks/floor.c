@@ -17,7 +17,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-enum { readSize = 16384, firstCapacity = 65536 };
+enum { readSize = 131072, firstCapacity = 262144 };
 
 int main(int argc, char** argv) {
     struct sockaddr_un address = {.sun_family = AF_UNIX};

@@ -2,7 +2,7 @@
 import subprocess
 from dataclasses import dataclass
 
-from counts import PERF_RUNS
+from counts import COPIES, RUNS_OF_COPY
 from times import MAX_SPREAD, Measured, Ratio
 
 UP_TO_216_KB = ("work-report", "settings-schema", "files-500")
@@ -111,7 +111,7 @@ which it gets from a file. "curl | jq" makes the same text, in `sh -c`, and writ
 without that program.
 
 {summary(measured)}
-Page faults (the mean of {PERF_RUNS} runs), instructions and system calls hardly depend on the load of
+Page faults ({RUNS_OF_COPY} runs of each of {COPIES} copies), instructions and system calls hardly depend on the load of
 the machine:
 
 {table(["run", "page faults", "instructions", "system calls"], counted)}

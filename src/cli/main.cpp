@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -35,7 +36,13 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
         const auto currentDirectory = fernlow::CurrentDirectory::ofProcess();
-        return fernlow::runAgentCLI(arguments, currentDirectory, standardOutputIsTerminal) & 0xFF;
+        fernlow::ByteBuffer writtenText;
+        fernlow::RunEnvironment environment;
+        environment.writtenText = &writtenText;
+        const int status = fernlow::runAgentCLI(arguments, currentDirectory,
+                                                standardOutputIsTerminal, environment);
+        // Unlike return, this does not destroy the local variables, which would take time.
+        std::exit(status & 0xFF);
     } catch (const std::bad_alloc&) {
         static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemoryMessage));
         return fernlow::badArgumentsStatus;

@@ -52,14 +52,18 @@ int performRequest(const AgentCLIInvocation& invocation, const AgentRequest& req
                    const RunEnvironment& environment) {
     const AgentSocketClient client(environment.exchange);
     AgentReply reply = client.exchange(invocation.socketPath, invocation.launchIfNeeded, request);
-    const ReplyOutput output =
+    ReplyOutput output =
         presentReply(reply.statusCode, std::move(reply.body), invocation.wantsJSON);
     const Writer write = invocation.wantsJSON ? writeLine : writeTextLine;
     if (output.toStandardError) {
         writeStandardError(environment, output.text.view(), write);
         return output.exitStatus;
     }
-    return writeResult(environment, output.text.view(), output.exitStatus, write);
+    const int status = writeResult(environment, output.text.view(), output.exitStatus, write);
+    if (environment.writtenText != nullptr) {
+        *environment.writtenText = std::move(output.text);
+    }
+    return status;
 }
 
 int perform(const AgentCLIInvocation& invocation, const RunEnvironment& environment) {

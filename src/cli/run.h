@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bytes/byte_buffer.h"
 #include "commands/paths.h"
 #include "transport/socket_client.h"
 
@@ -19,6 +20,10 @@ struct RunEnvironment {
     int standardOutput = STDOUT_FILENO;
     int standardError = STDERR_FILENO;
     ExchangeSettings exchange{};
+    /// Receives the memory of the text that has been written to standard output, unless it is null.
+    /// A program that is about to exit should keep this memory: the system frees all memory of a
+    /// process faster than the program unmaps one buffer.
+    ByteBuffer* writtenText = nullptr;
 };
 
 /// Runs the program: parses the arguments (without the program's name), sends the request, and

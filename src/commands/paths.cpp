@@ -37,23 +37,27 @@ std::string withoutDotComponents(std::string_view path) {
     return result.empty() ? "/" : result;
 }
 
-} // namespace
-
-CurrentDirectory CurrentDirectory::ofProcess() {
-    CurrentDirectory directory;
+/// Returns the absolute path of the folder that this process works in, or nothing if the folder is
+/// unreadable.
+std::optional<std::string> workingDirectory() {
     struct Free {
         void operator()(char* text) const { std::free(text); }
     };
     // Without a buffer, getcwd allocates one of any length; musl limits it to PATH_MAX.
     const std::unique_ptr<char, Free> path(::getcwd(nullptr, 0));
     // Linux puts "(unreachable)" before a folder outside the root of the process.
-    if (path != nullptr && *path == '/') {
-        directory.path_ = path.get();
+    if (path == nullptr || *path != '/') {
+        return std::nullopt;
     }
-    return directory;
+    return path.get();
 }
 
+} // namespace
+
 const std::string& CurrentDirectory::path() const {
+    if (!path_) {
+        path_ = workingDirectory();
+    }
     if (!path_) {
         throw CurrentDirectoryError(
             "The current directory cannot be read, so paths cannot be worked out from it.");

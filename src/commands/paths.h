@@ -15,8 +15,9 @@ public:
     /// Uses the folder with this absolute path.
     explicit CurrentDirectory(std::string path) : path_(std::move(path)) {}
 
-    /// Returns the current directory of this process.
-    static CurrentDirectory ofProcess();
+    /// Returns the current directory of this process. The system is asked for the path when the
+    /// path is first used, because most commands do not use it.
+    static CurrentDirectory ofProcess() { return {}; }
 
     /// Returns the absolute path. Throws CurrentDirectoryError if the folder is unreadable.
     [[nodiscard]] const std::string& path() const;
@@ -24,7 +25,7 @@ public:
 private:
     CurrentDirectory() = default;
 
-    std::optional<std::string> path_;
+    mutable std::optional<std::string> path_;
 };
 
 /// The error of a command that uses an unreadable current directory. Its message is a sentence for

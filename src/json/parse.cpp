@@ -1,3 +1,4 @@
+#include "json/boost_json.h"
 #include "json/document.h"
 #include "json/member_filter.h"
 #include "json/tape.h"

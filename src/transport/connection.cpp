@@ -28,7 +28,9 @@ using Clock = std::chrono::steady_clock;
 constexpr int maxSocketPath = 103;
 static_assert(sizeof(sockaddr_un::sun_path) > maxSocketPath);
 
-constexpr std::size_t readSize = 16384;
+/// The maximum size of one read in bytes. The buffer for a reply has room for two reads at first,
+/// so nearly all replies fit into it. The room that a reply does not need is never touched.
+constexpr std::size_t readSize = 131072;
 
 /// Returns the deadline of a wait that begins now.
 Clock::time_point deadlineOf(const Timeout& timeout) {
@@ -41,6 +43,12 @@ Clock::time_point deadlineOf(const Timeout& timeout) {
 /// Returns the time until the deadline, or zero if it has passed.
 Clock::duration remaining(Clock::time_point deadline) {
     return std::max(deadline - Clock::now(), Clock::duration::zero());
+}
+
+/// Returns whether the timeout is a deadline that has passed.
+bool hasPassed(const Timeout& timeout) {
+    const auto* const deadline = std::get_if<Clock::time_point>(&timeout);
+    return deadline != nullptr && remaining(*deadline) == Clock::duration::zero();
 }
 
 /// Waits until the socket can be read or written without blocking. Returns false if the deadline
@@ -78,8 +86,8 @@ int openSocket() {
     return moved;
 }
 
-bool makeNonBlocking(int socket) {
-    return ::fcntl(socket, F_SETFL, O_NONBLOCK) == 0;
+bool setBlocking(int socket, bool blocks) {
+    return ::fcntl(socket, F_SETFL, blocks ? 0 : O_NONBLOCK) == 0;
 }
 
 /// Sets the longest time that connect may wait. Returns false if connect could wait without a
@@ -92,18 +100,34 @@ bool limitConnect(int socket, Clock::duration maxWait) {
     timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(limit % 1'000'000);
     // If the system has no such limit, connect must not wait at all.
     return ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout) == 0 ||
-           makeNonBlocking(socket);
+           setBlocking(socket, false);
 }
 
-/// Returns whether a listener accepted the connection before the deadline.
-bool connectBefore(Clock::time_point deadline, int socket, const sockaddr_un& address) {
-    // Linux waits in connect while the listener's queue is full. poll cannot replace this wait,
-    // because connect fails at once on a non-blocking socket.
+/// Returns whether the socket could be connected.
+bool connects(int socket, const sockaddr_un& address) {
+    // The address includes the zero bytes that follow the path. macOS ignores sun_len, the first
+    // byte of the structure.
+    return ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+/// Returns whether a listener accepted the connection before the timeout expired. The socket does
+/// not block then, so that only poll waits.
+bool connectInTime(int socket, const sockaddr_un& address, const Timeout& timeout) {
+    if (!setBlocking(socket, false)) {
+        return false;
+    }
+    if (connects(socket, address)) {
+        return true;
+    }
+    // On Linux this error means that the listener's queue is full. poll cannot wait for room in the
+    // queue, but connect can.
+    if (errno != EAGAIN || !setBlocking(socket, true)) {
+        return false;
+    }
+    const auto deadline = deadlineOf(timeout);
     while (limitConnect(socket, remaining(deadline))) {
-        // The address includes the zero bytes that follow the path. macOS ignores sun_len, the
-        // first byte of the structure.
-        if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-            return true;
+        if (connects(socket, address)) {
+            return setBlocking(socket, false);
         }
         // An interrupted connect has had no effect and can be repeated.
         if (errno != EINTR) {
@@ -113,7 +137,7 @@ bool connectBefore(Clock::time_point deadline, int socket, const sockaddr_un& ad
     return false;
 }
 
-SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_point deadline) {
+SocketDescriptor connectedSocket(const std::string& socketPath, const Timeout& timeout) {
     if (socketPath.size() > maxSocketPath) {
         throw AgentSocketClientError(
             AgentSocketClientError::pathTooLong{socketPath, maxSocketPath});
@@ -124,9 +148,8 @@ SocketDescriptor connectedSocket(const std::string& socketPath, Clock::time_poin
 
     SocketDescriptor socket(openSocket());
     // Linux treats an empty path as an abstract address, where an unrelated program may listen.
-    // After connecting, the socket must not block, so that only poll waits.
     if (socket.get() < 0 || socketPath.empty() || !platform::prepareSocket(socket.get()) ||
-        !connectBefore(deadline, socket.get(), address) || !makeNonBlocking(socket.get())) {
+        !connectInTime(socket.get(), address, timeout)) {
         throw AgentSocketClientError(AgentSocketClientError::notRunning{socketPath});
     }
     return socket;
@@ -141,18 +164,25 @@ SocketDescriptor::~SocketDescriptor() {
 }
 
 Connection::Connection(const std::string& socketPath, Timeout timeout)
-    : timeout_(timeout), socket_(connectedSocket(socketPath, deadlineOf(timeout))) {}
+    : timeout_(timeout), socket_(connectedSocket(socketPath, timeout)) {}
 
 template <class Transfer>
 ssize_t Connection::retryUntilReady(short event, Transfer transfer) const {
-    const auto deadline = deadlineOf(timeout_);
     // Checked before the transfer, so that a peer that never pauses cannot exceed the deadline.
-    if (remaining(deadline) == Clock::duration::zero()) {
+    if (hasPassed(timeout_)) {
         return -1;
     }
     ssize_t count = transfer();
-    while (count < 0 && errno == EAGAIN && awaitReady(socket_.get(), event, deadline)) {
-        count = transfer();
+    if (count < 0 && errno == EAGAIN) {
+        // A process that reads the clock for the first time loads code and data for it. Only a
+        // transfer that has to wait needs the clock.
+        const auto deadline = deadlineOf(timeout_);
+        do {
+            if (!awaitReady(socket_.get(), event, deadline)) {
+                return -1;
+            }
+            count = transfer();
+        } while (count < 0 && errno == EAGAIN);
     }
     return count;
 }
