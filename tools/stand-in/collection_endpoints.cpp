@@ -98,7 +98,7 @@ Json setRow(State& state, const Json& body) {
     return {{"id", body["id"]}, {"applied", applied}};
 }
 
-Json schema(State& /*unused*/, const Json& body) {
+Json describeRows(State& /*unused*/, const Json& body) {
     return collectionSchema(body.value("kind", ""));
 }
 
@@ -113,7 +113,7 @@ const Endpoints& collectionEndpoints() {
         {"POST", "/v1/collections/reorder", "Move a build step.", "path kind id position", moveRow},
         {"POST", "/v1/collections/set", "Change a row, wholly or not at all.",
          "path kind id values literals", setRow},
-        {"POST", "/v1/collections/schema", "What a row of each kind holds.", "kind?", schema},
+        {"POST", "/v1/collections/schema", "What a row of each kind holds.", "kind?", describeRows},
     };
     return rows;
 }

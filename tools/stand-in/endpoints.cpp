@@ -121,7 +121,7 @@ constexpr std::array notes = {
     "tells what was logged while its request waited.",
     "A setting is refused outside its range or choices, and null takes it back to its default."};
 
-Json schema(State& /*unused*/, const Json& /*unused*/) {
+Json describeApi(State& /*unused*/, const Json& /*unused*/) {
     Json list = Json::array();
     for (const Endpoint& endpoint : endpoints()) {
         Json rows = Json::array();
@@ -148,7 +148,7 @@ const Endpoints& endpoints() {
               &fileEndpoints(), &collectionEndpoints()}) {
             rows.insert(rows.end(), family->begin(), family->end());
         }
-        rows.push_back({"GET", "/v1/schema", "This list.", "", schema});
+        rows.push_back({"GET", "/v1/schema", "This list.", "", describeApi});
         return rows;
     }();
     return all;

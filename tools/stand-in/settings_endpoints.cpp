@@ -70,7 +70,7 @@ Json setDefaults(State& state, const Json& body) {
     return {{"applied", applyPatch(state.defaults, body)}};
 }
 
-Json schema(State& /*unused*/, const Json& body) {
+Json describeSettings(State& /*unused*/, const Json& body) {
     return settingsSchema(body.value("language", ""));
 }
 
@@ -81,13 +81,14 @@ const Endpoints& settingsEndpoints() {
         {"POST", "/v1/settings", "Every setting of a project.", "path", projectSettings},
         {"POST", "/v1/settings/set", "Change settings, wholly or not at all.",
          "path language? fileExtension? values literals", setSettings},
-        {"POST", "/v1/settings/schema", "Which settings there are.", "path language?", schema},
+        {"POST", "/v1/settings/schema", "Which settings there are.", "path language?",
+         describeSettings},
         {"POST", "/v1/settings/apply-output-paths", "Work out output paths afresh.",
          "path language fileExtension? timeoutSeconds", applyOutputPaths},
         {"GET", "/v1/defaults", "The settings a new project gets.", "", defaults},
         {"POST", "/v1/defaults/set", "Change the defaults.", "language? values literals",
          setDefaults},
-        {"POST", "/v1/defaults/schema", "Which defaults there are.", "language?", schema},
+        {"POST", "/v1/defaults/schema", "Which defaults there are.", "language?", describeSettings},
     };
     return rows;
 }
