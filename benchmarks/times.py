@@ -47,8 +47,9 @@ class Ratio:
         return cls(dividend.median / divisor.median, low, high)
 
     def __str__(self):
-        if self.high - self.low > MAX_SPREAD * self.value:
-            return f"{self.low:.2f} to {self.high:.2f}"
+        low, high = f"{self.low:.2f}", f"{self.high:.2f}"
+        if self.high - self.low > MAX_SPREAD * self.value and low != high:
+            return f"{low} to {high}"
         return f"{self.value:.2f}"
 
 
