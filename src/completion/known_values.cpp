@@ -150,8 +150,8 @@ private:
 
     Candidates cursor() {
         const auto status = askForObject("/v1/status");
-        const auto cursor = status ? status->optionalInteger("logCursor") : std::nullopt;
-        return cursor && *cursor >= 0 ? Candidates{{std::to_string(*cursor), "now"}} : Candidates{};
+        const std::int64_t cursor = status ? status->optionalInteger("logCursor").value_or(-1) : -1;
+        return cursor < 0 ? Candidates() : Candidates(1, {std::to_string(cursor), "now"});
     }
 
     Candidates settings(ValueKind kind) {
@@ -165,9 +165,8 @@ private:
             if (isSettingWord(typed) && name == keyOf(typed)) {
                 return valuesOf(row);
             }
-            const bool isGiven =
-                std::any_of(words_.begin(), words_.end(),
-                            [&](const std::string& word) { return keyOf(word) == name; });
+            const bool isGiven = std::any_of(words_.begin(), words_.end(),
+                                             [&](auto& word) { return keyOf(word) == name; });
             if (!isSettingWord(typed) && !isGiven) {
                 candidates.push_back({name + "=", describeSetting(row)});
             }
@@ -245,7 +244,8 @@ private:
         }
         Candidates candidates;
         for (const json::Member& rows : collections->sortedMembers()) {
-            for (const json::Object row : rows.value.objects().value_or(Rows())) {
+            const Rows objects = rows.value.objects().value_or(Rows());
+            for (const json::Object row : objects) {
                 candidates.push_back({std::string(row.text(member)), describeRow(rows.key, row)});
             }
         }
