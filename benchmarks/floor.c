@@ -17,7 +17,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-enum { readSize = 131072, firstCapacity = 262144 };
+enum { readSize = 262144, firstCapacity = 524288 };
 
 int main(int argc, char** argv) {
     struct sockaddr_un address = {.sun_family = AF_UNIX};

@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
         environment.writtenText = &writtenText;
         const int status = fernlow::runAgentCLI(arguments, currentDirectory,
                                                 standardOutputIsTerminal, environment);
-        // Unlike return, this does not destroy the local variables, which would take time.
+        // Unlike return, this spends no time on destroying the local variables.
         std::exit(status & 0xFF);
     } catch (const std::bad_alloc&) {
         static_cast<void>(fernlow::writeLine(STDERR_FILENO, fernlow::outOfMemoryMessage));

@@ -20,9 +20,9 @@ struct RunEnvironment {
     int standardOutput = STDOUT_FILENO;
     int standardError = STDERR_FILENO;
     ExchangeSettings exchange{};
-    /// Receives the memory of the text that has been written to standard output, unless it is null.
-    /// A program that is about to exit should keep this memory: the system frees all memory of a
-    /// process faster than the program unmaps one buffer.
+    /// If not null, receives the text of a reply after it was written to standard output. A program
+    /// that is about to exit should keep it: the system frees all memory of a process faster than
+    /// the program unmaps one buffer.
     ByteBuffer* writtenText = nullptr;
 };
 

@@ -45,11 +45,7 @@ std::optional<std::string> workingDirectory() {
     };
     // Without a buffer, getcwd allocates one of any length; musl limits it to PATH_MAX.
     const std::unique_ptr<char, Free> path(::getcwd(nullptr, 0));
-    // Linux puts "(unreachable)" before a folder outside the root of the process.
-    if (path == nullptr || *path != '/') {
-        return std::nullopt;
-    }
-    return path.get();
+    return path == nullptr ? std::nullopt : std::optional<std::string>(path.get());
 }
 
 } // namespace

@@ -5,4 +5,4 @@
 // so they are empty here.
 #include <boost/assert/source_location.hpp>
 #undef BOOST_CURRENT_LOCATION
-#define BOOST_CURRENT_LOCATION boost::source_location(nullptr, 0, nullptr)
+#define BOOST_CURRENT_LOCATION ::boost::source_location(nullptr, 0, nullptr)

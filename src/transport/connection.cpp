@@ -29,8 +29,9 @@ constexpr int maxSocketPath = 103;
 static_assert(sizeof(sockaddr_un::sun_path) > maxSocketPath);
 
 /// The maximum size of one read in bytes. The buffer for a reply has room for two reads at first,
-/// so nearly all replies fit into it. The room that a reply does not need is never touched.
-constexpr std::size_t readSize = 131072;
+/// and the last read, which returns nothing, needs room for one. So a reply of up to this size,
+/// like nearly every reply, is never moved. Room that a reply does not need is never touched.
+constexpr std::size_t readSize = 262144;
 
 /// Returns the deadline of a wait that begins now.
 Clock::time_point deadlineOf(const Timeout& timeout) {
@@ -45,20 +46,15 @@ Clock::duration remaining(Clock::time_point deadline) {
     return std::max(deadline - Clock::now(), Clock::duration::zero());
 }
 
-/// Returns whether the timeout is a deadline that has passed.
-bool hasPassed(const Timeout& timeout) {
-    const auto* const deadline = std::get_if<Clock::time_point>(&timeout);
-    return deadline != nullptr && remaining(*deadline) == Clock::duration::zero();
-}
-
-/// Waits until the socket can be read or written without blocking. Returns false if the deadline
-/// passes first, or if poll fails.
-bool awaitReady(int socket, short event, Clock::time_point deadline) {
+/// Waits until the socket can be read or written without blocking. Returns false if the timeout
+/// expires first, or if poll fails.
+bool awaitReady(int socket, short event, const Timeout& timeout) {
+    const auto deadline = deadlineOf(timeout);
     constexpr auto maxPollTimeout = milliseconds(std::numeric_limits<int>::max());
     pollfd waiting{socket, event, 0};
     for (;;) {
-        const auto timeout = std::min(ceil<milliseconds>(remaining(deadline)), maxPollTimeout);
-        const int count = ::poll(&waiting, 1, static_cast<int>(timeout.count()));
+        const auto wait = std::min(ceil<milliseconds>(remaining(deadline)), maxPollTimeout);
+        const int count = ::poll(&waiting, 1, static_cast<int>(wait.count()));
         if (count > 0) {
             return true;
         }
@@ -93,14 +89,11 @@ bool setBlocking(int socket, bool blocks) {
 /// Sets the longest time that connect may wait. Returns false if connect could wait without a
 /// limit.
 bool limitConnect(int socket, Clock::duration maxWait) {
-    // A timeout of zero would remove the limit.
-    const auto limit = std::max(ceil<microseconds>(maxWait), microseconds(1)).count();
+    const auto limit = ceil<microseconds>(maxWait).count();
     timeval timeout{};
     timeout.tv_sec = static_cast<decltype(timeout.tv_sec)>(limit / 1'000'000);
     timeout.tv_usec = static_cast<decltype(timeout.tv_usec)>(limit % 1'000'000);
-    // If the system has no such limit, connect must not wait at all.
-    return ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout) == 0 ||
-           setBlocking(socket, false);
+    return ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout) == 0;
 }
 
 /// Returns whether the socket could be connected.
@@ -110,8 +103,8 @@ bool connects(int socket, const sockaddr_un& address) {
     return ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-/// Returns whether a listener accepted the connection before the timeout expired. The socket does
-/// not block then, so that only poll waits.
+/// Returns whether a listener accepted the connection before the timeout expired. A connected
+/// socket does not block, so that only poll waits.
 bool connectInTime(int socket, const sockaddr_un& address, const Timeout& timeout) {
     if (!setBlocking(socket, false)) {
         return false;
@@ -125,7 +118,11 @@ bool connectInTime(int socket, const sockaddr_un& address, const Timeout& timeou
         return false;
     }
     const auto deadline = deadlineOf(timeout);
-    while (limitConnect(socket, remaining(deadline))) {
+    // A limit of zero would be no limit.
+    for (auto wait = remaining(deadline); wait > wait.zero(); wait = remaining(deadline)) {
+        if (!limitConnect(socket, wait)) {
+            return false;
+        }
         if (connects(socket, address)) {
             return setBlocking(socket, false);
         }
@@ -134,7 +131,8 @@ bool connectInTime(int socket, const sockaddr_un& address, const Timeout& timeou
             return false;
         }
     }
-    return false;
+    // The queue may have got room while the process was stopped.
+    return setBlocking(socket, false) && connects(socket, address);
 }
 
 SocketDescriptor connectedSocket(const std::string& socketPath, const Timeout& timeout) {
@@ -168,21 +166,11 @@ Connection::Connection(const std::string& socketPath, Timeout timeout)
 
 template <class Transfer>
 ssize_t Connection::retryUntilReady(short event, Transfer transfer) const {
-    // Checked before the transfer, so that a peer that never pauses cannot exceed the deadline.
-    if (hasPassed(timeout_)) {
-        return -1;
-    }
     ssize_t count = transfer();
-    if (count < 0 && errno == EAGAIN) {
-        // A process that reads the clock for the first time loads code and data for it. Only a
-        // transfer that has to wait needs the clock.
-        const auto deadline = deadlineOf(timeout_);
-        do {
-            if (!awaitReady(socket_.get(), event, deadline)) {
-                return -1;
-            }
-            count = transfer();
-        } while (count < 0 && errno == EAGAIN);
+    // A process that reads the clock for the first time loads code and data for it. Only a transfer
+    // that has to wait needs the clock.
+    while (count < 0 && errno == EAGAIN && awaitReady(socket_.get(), event, timeout_)) {
+        count = transfer();
     }
     return count;
 }
