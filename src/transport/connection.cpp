@@ -118,8 +118,9 @@ bool connectInTime(int socket, const sockaddr_un& address, const Timeout& timeou
         return false;
     }
     const auto deadline = deadlineOf(timeout);
+    auto wait = remaining(deadline);
     // A limit of zero would be no limit.
-    for (auto wait = remaining(deadline); wait > wait.zero(); wait = remaining(deadline)) {
+    for (; wait > Clock::duration::zero(); wait = remaining(deadline)) {
         if (!limitConnect(socket, wait)) {
             return false;
         }
