@@ -37,8 +37,8 @@ void ByteBuffer::append(std::string_view text) {
 
 char* ByteBuffer::prepare(std::size_t count) {
     if (capacity_ - end_ < count) {
-        // Twice the count leaves room for another call with the same count, such as the last read
-        // of a reply, which returns no bytes.
+        // Twice the count, so that the next call with this count needs no larger block. The last
+        // read of a reply, which returns no bytes, is such a call.
         const std::size_t capacity = std::max({minCapacity, 2 * count, 2 * capacity_});
         auto* grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
         if (grown == nullptr) {

@@ -25,6 +25,7 @@ public:
 private:
     CurrentDirectory() = default;
 
+    /// Nothing until path() has asked the system, or if the folder is unreadable.
     mutable std::optional<std::string> path_;
 };
 

@@ -30,7 +30,7 @@ static_assert(sizeof(sockaddr_un::sun_path) > maxSocketPath);
 
 /// The maximum size of one read in bytes. The buffer for a reply has room for two reads at first,
 /// and the last read, which returns nothing, needs room for one. So a reply of up to this size,
-/// like nearly every reply, is never moved. Room that a reply does not need is never touched.
+/// like nearly every reply, is never moved. Room that a reply does not need takes no memory.
 constexpr std::size_t readSize = 262144;
 
 /// Returns the deadline of a wait that begins now.

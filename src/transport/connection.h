@@ -13,7 +13,7 @@
 
 namespace fernlow {
 
-/// A timeout for each wait, or one deadline for the whole exchange.
+/// A timeout for each wait, or one deadline for all waits of an exchange.
 using Timeout = std::variant<std::chrono::milliseconds, std::chrono::steady_clock::time_point>;
 
 /// Owns the descriptor of a socket and closes it. A negative descriptor stands for no socket.
